@@ -1,0 +1,6 @@
+# Everything comes from Debian 12. Only Boost's headers show in the exported interface.
+find_package(PkgConfig REQUIRED)
+find_package(Boost 1.74 REQUIRED)
+pkg_check_modules(LIBAV REQUIRED IMPORTED_TARGET
+    libavformat>=59 libavcodec>=59 libavutil>=57 libswresample>=4)
+pkg_check_modules(LIBPNG REQUIRED IMPORTED_TARGET libpng)
