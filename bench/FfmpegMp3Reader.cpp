@@ -75,6 +75,7 @@ void FfmpegMp3Reader::Seek(std::int64_t frame) {
     avcodec_flush_buffers(m_codec.get());
     Check(av_seek_frame(m_format.get(), m_stream, pts, AVSEEK_FLAG_BACKWARD), "cannot seek");
     m_next = frame;
+    m_start = frame;
     m_length = 0;
     m_started = false;
 }
