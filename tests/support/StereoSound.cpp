@@ -43,8 +43,13 @@ StereoSound ReadSpan(Zanthe::IAudioReader& reader, std::int64_t start, unsigned 
 }
 
 StereoSound ReadWhole(Zanthe::IAudioReader& reader) {
-    constexpr unsigned int kTwoMinutes = 120 * 48000;
-    return ReadSpan(reader, 0, kTwoMinutes);
+    unsigned int frames = 15 * 48000;
+    StereoSound sound = ReadSpan(reader, 0, frames);
+    while (sound.Frames() == frames) {
+        frames *= 4;
+        sound = ReadSpan(reader, 0, frames);
+    }
+    return sound;
 }
 
 StereoSound DecodeWithFFmpegProgram(const std::string& path) {

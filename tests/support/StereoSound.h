@@ -26,7 +26,7 @@ struct StereoSound {
 // What one FillAudioBuffer answers: as many frames as it says.
 StereoSound ReadSpan(Zanthe::IAudioReader& reader, std::int64_t start, unsigned int frames);
 
-// Everything from frame 0 on, in one read. The file must be shorter than two minutes at 48000 Hz.
+// Everything from frame 0 on, in one read.
 StereoSound ReadWhole(Zanthe::IAudioReader& reader);
 
 // What the ffmpeg program decodes, mixed to two channels at the file's own rate; its encoder delay
