@@ -13,21 +13,16 @@ namespace {
 
 constexpr std::int64_t kUnsettled = std::numeric_limits<std::int64_t>::max();
 
-// The overlap and the window are filled by two granules.
-constexpr int kOverlapGranules = 2;
-
 constexpr int kHeaderAndChecksumBytes = 6;
 
 } // namespace
 
-WarmUp::WarmUp(const AVCodecParameters& stream)
-    : m_reservoirBytes(0)
-    , m_overheadBytes(0) {
+WarmUp::WarmUp(const AVCodecParameters& stream) {
     if (stream.codec_id == AV_CODEC_ID_MP3) {
         const bool halfRate = stream.sample_rate < 32000; // MPEG-2 and 2.5
         const bool mono = stream.ch_layout.nb_channels == 1;
         const int sideInformation = halfRate ? (mono ? 9 : 17) : (mono ? 17 : 32);
-        m_overlapPackets = kOverlapGranules / (halfRate ? 1 : 2);
+        m_overlapPackets = halfRate ? 2 : 1; // of one granule each, or of two
         m_reservoirBytes = halfRate ? 255 : 511;
         m_overheadBytes = kHeaderAndChecksumBytes + sideInformation;
     }
