@@ -2,13 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
-#include <fstream>
+#include <memory>
 #include <string_view>
 
 #include "platform/dshow/Uuids.h"
-#include "platform/win32/Path.h"
-#include "platform/win32/Text.h"
+#include "platform/win32/File.h"
 #include "zanthe/analysis/Extension.h"
 #include "zanthe/analysis/RecordingPath.h"
 
@@ -52,29 +50,46 @@ const std::vector<FileSignatureEntry> FileSignatureTable{
 
 namespace {
 
-using SignatureBytes = std::array<char, MaxSignatureLength>;
-
-bool ReadAt(std::istream& file, std::int64_t offset, std::uint32_t length, SignatureBytes& bytes) {
-    file.clear(); // an earlier check may have met the end
-    file.seekg(offset, offset < 0 ? std::ios::end : std::ios::beg);
-    return file.good() && file.read(bytes.data(), length).good();
+bool WellFormed(const FileSignatureCheck& check) {
+    return check.length <= MaxSignatureLength && check.mask.size() == check.length &&
+           check.value.size() == check.length;
 }
 
-bool Holds(const FileSignatureCheck& check, std::istream& file) {
-    if (check.mask.size() != check.length || check.value.size() != check.length ||
-        check.length > MaxSignatureLength) {
-        return false;
-    }
-    SignatureBytes bytes;
-    if (!ReadAt(file, check.offset, check.length, bytes)) {
+bool Holds(const FileSignatureCheck& check, const SignatureReader& read) {
+    std::array<std::uint8_t, MaxSignatureLength> bytes;
+    if (!WellFormed(check) || !read(check.offset, check.length, bytes.data())) {
         return false;
     }
     for (std::uint32_t i = 0; i < check.length; ++i) {
-        if ((check.mask[i] & static_cast<std::uint8_t>(bytes[i])) != check.value[i]) {
+        if ((check.mask[i] & bytes[i]) != check.value[i]) {
             return false;
         }
     }
     return true;
+}
+
+struct HandleCloser {
+    using pointer = HANDLE;
+
+    void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+
+using OwnedHandle = std::unique_ptr<HANDLE, HandleCloser>;
+
+OwnedHandle OpenForLooking(const std::wstring& path) {
+    return OwnedHandle(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                   OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_RANDOM_ACCESS,
+                                   nullptr));
+}
+
+bool ReadAt(HANDLE file, std::int64_t offset, std::uint32_t length, std::uint8_t* bytes) {
+    LARGE_INTEGER distance;
+    distance.QuadPart = offset;
+    if (SetFilePointerEx(file, distance, nullptr, offset < 0 ? FILE_END : FILE_BEGIN) == FALSE) {
+        return false;
+    }
+    DWORD got = 0;
+    return ReadFile(file, bytes, length, &got, nullptr) != FALSE && got == length;
 }
 
 struct ExtensionSubtype {
@@ -100,20 +115,13 @@ GUID SubtypeByExtension(const std::wstring& path) {
     return MEDIASUBTYPE_None;
 }
 
-// A folder can be opened here and a pipe keeps its opener waiting, so what is no regular file is
-// never opened.
-bool IsRegularFile(const std::string& path) {
-    std::error_code unknown;
-    return std::filesystem::is_regular_file(path, unknown);
-}
-
 } // namespace
 
-const FileSignatureEntry* FindSignature(std::istream& file,
+const FileSignatureEntry* FindSignature(const SignatureReader& read,
                                         const std::vector<FileSignatureEntry>& table) {
     const auto found = std::find_if(table.begin(), table.end(), [&](const auto& entry) {
         return std::all_of(entry.checks.begin(), entry.checks.end(),
-                           [&](const auto& check) { return Holds(check, file); });
+                           [&](const auto& check) { return Holds(check, read); });
     });
     return found != table.end() ? &*found : nullptr;
 }
@@ -122,14 +130,13 @@ GUID DetectMediaSubtype(const std::wstring& path) {
     if (EqualIgnoringCase(RecordingPath(path).GetExtension(), L"brec")) {
         return MEDIASUBTYPE_None;
     }
-    const std::string existing = win32::ExistingPath(win32::WideToUtf8(path));
-    if (!IsRegularFile(existing)) {
+    const OwnedHandle file = OpenForLooking(path);
+    if (file.get() == INVALID_HANDLE_VALUE) {
         return MEDIASUBTYPE_None;
     }
-    std::ifstream file(existing, std::ios::binary);
-    if (!file.is_open()) {
-        return MEDIASUBTYPE_None;
-    }
-    const FileSignatureEntry* entry = FindSignature(file, FileSignatureTable);
+    const auto read = [&](std::int64_t offset, std::uint32_t length, std::uint8_t* bytes) {
+        return ReadAt(file.get(), offset, length, bytes);
+    };
+    const FileSignatureEntry* entry = FindSignature(read, FileSignatureTable);
     return entry != nullptr ? entry->subtype : SubtypeByExtension(path);
 }

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <cstdint>
-#include <iosfwd>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -28,13 +28,17 @@ inline constexpr std::uint32_t MaxSignatureLength = 256; // bytes
 // In the order in which they are tried. Filled when the library is loaded and never changed after.
 extern const std::vector<FileSignatureEntry> FileSignatureTable;
 
-// The first entry of `table` all of whose checks hold for `file`, a stream of bytes that can be
-// positioned; null when there is none. The entry is the table's own. A check whose mask and value
-// are not both `length` bytes long, that is longer than MaxSignatureLength, or whose bytes the file
-// does not have, does not hold.
+// Copies `length` bytes of a file to `bytes`, from `offset` (as in a check) on. False when the file
+// does not have them all.
+using SignatureReader =
+    std::function<bool(std::int64_t offset, std::uint32_t length, std::uint8_t* bytes)>;
+
+// The first entry of `table` all of whose checks hold; null when there is none. The entry is the
+// table's own. A check does not hold whose bytes cannot be read, whose mask and value are not both
+// `length` bytes long, or that is longer than MaxSignatureLength.
 //
-// Thread-safety: safe from any thread, on different streams.
-const FileSignatureEntry* FindSignature(std::istream& file,
+// Thread-safety: safe from any thread, as far as `read` is.
+const FileSignatureEntry* FindSignature(const SignatureReader& read,
                                         const std::vector<FileSignatureEntry>& table);
 
 // The media subtype of a file: by FileSignatureTable, else by the extension "avi", "mp3", "wav",
