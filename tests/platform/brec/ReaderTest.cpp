@@ -48,8 +48,7 @@ TEST(BrecReader, SoundIsCountedAtTheWantedRate) {
     const auto format = BREC::AudioFormat::create16BitSignedInterleaved(48000, 2);
     EXPECT_EQ(format.sampleRate(), 48000);
     EXPECT_EQ(format.channelCount(), 2);
-    const auto reader =
-        BREC::Reader::create(MadeMedia("classify/recording.brec"), format, nullptr);
+    const auto reader = BREC::Reader::create(MadeMedia("classify/recording.brec"), format, nullptr);
     ASSERT_NE(reader, nullptr);
     EXPECT_EQ(reader->tracks().at(1)->lengthInFrames(), 24000U);
 }

@@ -34,7 +34,9 @@ TEST(IniFile, StripsBlanksCommentsAndLineEnds) {
     EXPECT_EQ(Read("[s]\r\n  a  =  b c \t; why\r\n"), Lines{"[s] a = b c"});
 }
 
-TEST(IniFile, LastLineNeedsNoEnd) { EXPECT_EQ(Read("[s]\na=b"), Lines{"[s] a = b"}); }
+TEST(IniFile, LastLineNeedsNoEnd) {
+    EXPECT_EQ(Read("[s]\na=b"), Lines{"[s] a = b"});
+}
 
 TEST(IniFile, ByteOrderMarkIsNoPartOfTheFirstLine) {
     EXPECT_EQ(Read("\xEF\xBB\xBF[s]\na=b\n"), Lines{"[s] a = b"});
@@ -64,8 +66,7 @@ TEST(IniFile, LineThatIsNoValueIsLeftOut) {
 
 TEST(IniFile, LongestLineAndOneBeyond) {
     const std::string longest = "a=" + std::string(196, 'x');
-    EXPECT_EQ(Read(longest + "\nb=c\n"),
-              (Lines{"[] a = " + std::string(196, 'x'), "[] b = c"}));
+    EXPECT_EQ(Read(longest + "\nb=c\n"), (Lines{"[] a = " + std::string(196, 'x'), "[] b = c"}));
     EXPECT_EQ(Read(longest + "x\nb=c\n"), Lines{"[] b = c"});
 }
 

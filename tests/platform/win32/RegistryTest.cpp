@@ -1,6 +1,7 @@
 #include "platform/win32/Registry.h"
 
 #include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -30,10 +31,11 @@ protected:
         DWORD type = 0;
         DWORD value = 0;
         DWORD size = sizeof(value);
-        const LSTATUS status = RegQueryValueExW(key, name, nullptr, &type,
-                                                reinterpret_cast<LPBYTE>(&value), &size);
+        const LSTATUS status =
+            RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<LPBYTE>(&value), &size);
         EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
-        return status == ERROR_SUCCESS && type == REG_DWORD && size == 4 ? value : -1;
+        const bool number = status == ERROR_SUCCESS && type == REG_DWORD && size == 4;
+        return number ? std::int64_t{value} : -1;
     }
 
     TemporaryFolder m_folder;
@@ -42,17 +44,18 @@ protected:
 // Sets an environment variable for as long as it lives.
 class Environment {
 public:
-    Environment(const char* name, const std::string& value) : m_name(name) {
+    Environment(const char* name, const std::string& value)
+        : m_name(name) {
         if (const char* before = std::getenv(name)) {
             m_before = before;
         }
         setenv(name, value.c_str(), 1);
     }
+
     Environment(const Environment&) = delete;
     Environment& operator=(const Environment&) = delete;
-    ~Environment() {
-        m_before.empty() ? unsetenv(m_name) : setenv(m_name, m_before.c_str(), 1);
-    }
+
+    ~Environment() { m_before.empty() ? unsetenv(m_name) : setenv(m_name, m_before.c_str(), 1); }
 
 private:
     const char* m_name;
@@ -100,7 +103,8 @@ TEST_F(Registry, AbsentMeansAbsent) {
 }
 
 TEST_F(Registry, WhatIsNoWholeNumberIsText) {
-    for (const char* value : {"1", "dword:", "dword:1x", "dword:100000000", "dword:-1", "dword: 1"}) {
+    for (const char* value :
+         {"1", "dword:", "dword:1x", "dword:100000000", "dword:-1", "dword: 1"}) {
         Use("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Vendor\\Some Program\\9.0]\nMode = " +
             std::string(value) + "\n");
         EXPECT_EQ(ReadNumber(HKEY_LOCAL_MACHINE, L"Mode"), -1) << value;

@@ -62,9 +62,9 @@ TEST(BrecStreamOrdinal, OnlyRecordingsHaveOne) {
 TEST(BrecStreamOrdinal, RecordingsThatCannotBeRead) {
     const TemporaryFolder folder;
     EXPECT_EQ(BrecStreamOrdinal(win32::Utf8ToWide(folder / "none.brec") + L"!video1.mp4"), 0U);
-    EXPECT_EQ(BrecStreamOrdinal(win32::Utf8ToWide(folder.Write("text.brec", "words")) +
-                                L"!video1.mp4"),
-              0U);
+    EXPECT_EQ(
+        BrecStreamOrdinal(win32::Utf8ToWide(folder.Write("text.brec", "words")) + L"!video1.mp4"),
+        0U);
 }
 
 } // namespace

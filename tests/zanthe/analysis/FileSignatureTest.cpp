@@ -18,7 +18,9 @@ namespace {
 
 using namespace std::string_literals;
 
-GUID Detect(const std::string& path) { return DetectMediaSubtype(win32::Utf8ToWide(path)); }
+GUID Detect(const std::string& path) {
+    return DetectMediaSubtype(win32::Utf8ToWide(path));
+}
 
 GUID DetectBytes(const std::string& name, const std::string& bytes) {
     const TemporaryFolder folder;
@@ -163,7 +165,7 @@ TEST(DetectMediaSubtype, TooShortForASignatureGoesByItsExtension) {
 
 TEST(DetectMediaSubtype, TheSignatureWinsOverTheExtension) {
     EXPECT_EQ(DetectBytes("a.mp3", "RIFF\x24\x00\x00\x00WAVEfmt "s), MEDIASUBTYPE_WAVE);
-    EXPECT_EQ(DetectBytes("a.wav", "RIFF\x24\x00\x00\x00AVI LIST"s), MEDIASUBTYPE_Avi);
+    EXPECT_EQ(DetectBytes("a.wav", "RIFF\x24\x00\x00\x00"s + "AVI LIST"), MEDIASUBTYPE_Avi);
 }
 
 TEST(DetectMediaSubtype, AnId3TagIsNoSignature) {
@@ -194,14 +196,14 @@ TEST(DetectMediaSubtype, MadeFilesWithoutAName) {
 
 TEST(DetectMediaSubtype, EveryExtensionOfTheRule) {
     const std::pair<const char*, GUID> cases[] = {
-        {"a.avi", MEDIASUBTYPE_Avi},         {"a.AVI", MEDIASUBTYPE_Avi},
-        {"a.mp3", MEDIASUBTYPE_MPEG1Audio},  {"a.Mp3", MEDIASUBTYPE_MPEG1Audio},
-        {"a.wav", MEDIASUBTYPE_WAVE},        {"a.mpg", MEDIASUBTYPE_MPEG1System},
+        {"a.avi", MEDIASUBTYPE_Avi},          {"a.AVI", MEDIASUBTYPE_Avi},
+        {"a.mp3", MEDIASUBTYPE_MPEG1Audio},   {"a.Mp3", MEDIASUBTYPE_MPEG1Audio},
+        {"a.wav", MEDIASUBTYPE_WAVE},         {"a.mpg", MEDIASUBTYPE_MPEG1System},
         {"a.mpeg", MEDIASUBTYPE_MPEG1System}, {"a.MPEG", MEDIASUBTYPE_MPEG1System},
-        {"a.mp4", MEDIASUBTYPE_None},        {"a.mov", MEDIASUBTYPE_None},
-        {"a.wmv", MEDIASUBTYPE_None},        {"a.mts", MEDIASUBTYPE_None},
-        {"a.avi.x", MEDIASUBTYPE_None},      {"a", MEDIASUBTYPE_None},
-        {"a.orirec", MEDIASUBTYPE_None},     {"a.wave", MEDIASUBTYPE_None},
+        {"a.mp4", MEDIASUBTYPE_None},         {"a.mov", MEDIASUBTYPE_None},
+        {"a.wmv", MEDIASUBTYPE_None},         {"a.mts", MEDIASUBTYPE_None},
+        {"a.avi.x", MEDIASUBTYPE_None},       {"a", MEDIASUBTYPE_None},
+        {"a.orirec", MEDIASUBTYPE_None},      {"a.wave", MEDIASUBTYPE_None},
     };
     for (const auto& [name, subtype] : cases) {
         EXPECT_EQ(DetectBytes(name, "unknown bytes"), subtype) << name;
@@ -253,24 +255,36 @@ void ExpectAll(std::string_view folder, const GUID& subtype) {
     }
 }
 
-TEST(DetectMediaSubtype, RealAvi) { ExpectAll("avi", MEDIASUBTYPE_Avi); }
+TEST(DetectMediaSubtype, RealAvi) {
+    ExpectAll("avi", MEDIASUBTYPE_Avi);
+}
 
-TEST(DetectMediaSubtype, RealWav) { ExpectAll("wav", MEDIASUBTYPE_WAVE); }
+TEST(DetectMediaSubtype, RealWav) {
+    ExpectAll("wav", MEDIASUBTYPE_WAVE);
+}
 
-TEST(DetectMediaSubtype, RealWindowsMedia) { ExpectAll("asf", MEDIASUBTYPE_None); }
+TEST(DetectMediaSubtype, RealWindowsMedia) {
+    ExpectAll("asf", MEDIASUBTYPE_None);
+}
 
-TEST(DetectMediaSubtype, RealMp4) { ExpectAll("mp4", MEDIASUBTYPE_None); }
+TEST(DetectMediaSubtype, RealMp4) {
+    ExpectAll("mp4", MEDIASUBTYPE_None);
+}
 
 TEST(DetectMediaSubtype, RealMpeg) {
     const auto files = RealMedia("mpeg");
     if (files.empty()) {
         GTEST_SKIP() << "no real media beside the checkout";
     }
+    std::size_t bareVideo = 0;
     for (const auto& file : files) {
         const bool named = file.extension() == ".mpg" || file.extension() == ".mpeg";
-        EXPECT_EQ(Detect(file.string()), named ? MEDIASUBTYPE_MPEG1System : MEDIASUBTYPE_None)
-            << file;
+        const bool video = ReadWholeFile(file).substr(0, 4) == "\x00\x00\x01\xB3"s;
+        const GUID& byName = named ? MEDIASUBTYPE_MPEG1System : MEDIASUBTYPE_None;
+        EXPECT_EQ(Detect(file.string()), video ? MEDIASUBTYPE_MPEG1Video : byName) << file;
+        bareVideo += video ? 1 : 0;
     }
+    EXPECT_EQ(bareVideo, 2U);
 }
 
 TEST(DetectMediaSubtype, RealSignaturesUnderAnotherName) {

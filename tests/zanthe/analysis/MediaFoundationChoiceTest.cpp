@@ -13,7 +13,8 @@ namespace {
 
 class FixedVersion : public Zanthe::IWindowsVersionProvider {
 public:
-    explicit FixedVersion(bool newer) : m_newer(newer) {}
+    explicit FixedVersion(bool newer)
+        : m_newer(newer) {}
 
     // IWindowsVersionProvider
     bool IsWindows62OrLater() const override { return m_newer; }
@@ -28,9 +29,8 @@ std::string Answers(const std::wstring& path) {
     const boost::shared_ptr<Zanthe::IWindowsVersionProvider> providers[] = {
         nullptr, boost::make_shared<FixedVersion>(false), boost::make_shared<FixedVersion>(true)};
     std::string answers;
-    for (const auto purpose :
-         {MediaFoundationPurpose::Audio, MediaFoundationPurpose::VideoSamples,
-          MediaFoundationPurpose::Detection}) {
+    for (const auto purpose : {MediaFoundationPurpose::Audio, MediaFoundationPurpose::VideoSamples,
+                               MediaFoundationPurpose::Detection}) {
         answers += answers.empty() ? "" : " ";
         for (const auto& provider : providers) {
             answers += ShouldUseMediaFoundation(path, purpose, provider) ? 'y' : '-';

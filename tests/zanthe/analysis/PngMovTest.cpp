@@ -10,9 +10,13 @@
 
 namespace {
 
-bool IsPngMov(const std::string& path) { return IsMovWithPngVideo(win32::Utf8ToWide(path)); }
+bool IsPngMov(const std::string& path) {
+    return IsMovWithPngVideo(win32::Utf8ToWide(path));
+}
 
-std::string PngMovBytes() { return ReadWholeFile(MadeMedia("classify/png.mov")); }
+std::string PngMovBytes() {
+    return ReadWholeFile(MadeMedia("classify/png.mov"));
+}
 
 TEST(IsMovWithPngVideo, TellsPngFromOtherPictures) {
     EXPECT_TRUE(IsPngMov(MadeMedia("classify/png.mov")));

@@ -48,9 +48,12 @@ public:
 
 class InstalledHost {
 public:
-    InstalledHost() : m_before(SetPreferredFilterHost(host)) {}
+    InstalledHost()
+        : m_before(SetPreferredFilterHost(host)) {}
+
     InstalledHost(const InstalledHost&) = delete;
     InstalledHost& operator=(const InstalledHost&) = delete;
+
     ~InstalledHost() { SetPreferredFilterHost(m_before); }
 
     const std::shared_ptr<RecordingHost> host = std::make_shared<RecordingHost>();

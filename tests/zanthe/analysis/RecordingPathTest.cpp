@@ -128,12 +128,13 @@ TEST(RecordingPath, EveryMember) {
         std::int32_t index;
         std::int32_t code;
     } cases[] = {
-        {L"video0.mp4", 1, 0, 0},        {L"video9.mp4", 1, 9, 0},
-        {L"audio3.mp4", 2, 3, 0},        {L"track1.bsc2", 3, 1, 0},
+        {L"video0.mp4", 1, 0, 0},          {L"video9.mp4", 1, 9, 0},
+        {L"audio3.mp4", 2, 3, 0},          {L"track1.bsc2", 3, 1, 0},
         {L"Screen_Stream.avi", 4, 0, 100}, {L"Camera_Stream.wmv", 5, 0, 101},
-        {L"Audio.wav", 6, 0, 105},       {L"SysAudio.wav", 7, 0, 100},
-        {L"Events.dat", 8, 0, 0},        {L"manifest.orixml", 9, 0, 0},
+        {L"Audio.wav", 6, 0, 105},         {L"SysAudio.wav", 7, 0, 100},
+        {L"Events.dat", 8, 0, 0},          {L"manifest.orixml", 9, 0, 0},
     };
+
     for (const auto& row : cases) {
         const RecordingPath path(L"r.orirec!" + row.member);
         EXPECT_EQ(path.kind, row.kind);
@@ -162,9 +163,9 @@ TEST(RecordingPath, AnyWideCharacterInPlaceOfTheNumber) {
 }
 
 TEST(RecordingPath, NumberedNamesNeedBothEnds) {
-    for (const wchar_t* member : {L"video2.mp", L"Video2.mp4", L"video2.MP4", L"xvideo2.mp4",
-                                  L"video2.bsc2", L"track2.mp4", L"track2.BSC2", L"vide.mp4",
-                                  L"Audio.wave", L" Audio.wav", L"Audio", L""}) {
+    for (const wchar_t* member :
+         {L"video2.mp", L"Video2.mp4", L"video2.MP4", L"xvideo2.mp4", L"video2.bsc2", L"track2.mp4",
+          L"track2.BSC2", L"vide.mp4", L"Audio.wave", L" Audio.wav", L"Audio", L""}) {
         EXPECT_EQ(KindOf(member), 0) << testing::PrintToString(std::wstring(member));
         EXPECT_EQ(IndexOf(member), -77) << testing::PrintToString(std::wstring(member));
     }

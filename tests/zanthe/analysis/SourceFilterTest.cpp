@@ -28,6 +28,7 @@ const std::string Key = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Brannock\\Oriel Studio\\
 class SourceFilter : public testing::Test {
 protected:
     SourceFilter() { UseRegistry(""); }
+
     ~SourceFilter() override { win32::SetRegistryFile(""); }
 
     void UseRegistry(const std::string& text) {
