@@ -1,5 +1,6 @@
 // Any bytes as the start of a file, held against the table of signatures; and, with their first
 // bytes for a check of its own, against themselves.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -24,7 +25,7 @@ struct Bytes {
         if (end - start < static_cast<std::int64_t>(length)) {
             return false;
         }
-        std::memcpy(target, data + start, length);
+        std::copy_n(data + start, length, target); // target may be null where length is 0
         return true;
     }
 };
