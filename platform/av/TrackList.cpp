@@ -1,33 +1,18 @@
 #include "platform/av/TrackList.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <limits>
 
 #include "platform/av/Handles.h"
+#include "platform/av/OpenInput.h"
 
 extern "C" {
 #include <libavutil/mathematics.h>
-#include <libavutil/opt.h>
 }
 
 namespace av {
 
 namespace {
-
-// A path is never a name of another protocol, and the file cannot lead to one.
-FormatContextPtr OpenMp4(const std::string& path) {
-    FormatContextPtr context(avformat_alloc_context());
-    if (context == nullptr || av_opt_set(context.get(), "protocol_whitelist", "file", 0) < 0) {
-        return nullptr;
-    }
-    const std::string url = "file:" + path;
-    const AVInputFormat* format = av_find_input_format("mp4");
-    AVFormatContext* raw = context.release(); // freed and nulled by a failed open
-    const int opened = avformat_open_input(&raw, url.c_str(), format, nullptr);
-    context.reset(raw);
-    return opened < 0 ? nullptr : std::move(context);
-}
 
 // MPEG-4 part 2 and H.263 come without a size: the header's is not trusted for them, so a picture
 // has to be looked at. Where none can be decoded the size stays unknown, which is what it is.
@@ -53,31 +38,6 @@ void VisitFragments(AVFormatContext& context) {
     }
 }
 
-bool IsCover(const AVStream& stream) {
-    // A track of chapter pictures is flagged as a cover too, but it is a track.
-    const int marks =
-        stream.disposition & (AV_DISPOSITION_ATTACHED_PIC | AV_DISPOSITION_TIMED_THUMBNAILS);
-    return marks == AV_DISPOSITION_ATTACHED_PIC;
-}
-
-TrackKind KindOf(AVMediaType type) {
-    if (type == AVMEDIA_TYPE_VIDEO) {
-        return TrackKind::Video;
-    }
-    return type == AVMEDIA_TYPE_AUDIO ? TrackKind::Audio : TrackKind::Other;
-}
-
-std::string CodecText(std::uint32_t tag) {
-    if (tag == 0) {
-        return {};
-    }
-    std::string text;
-    for (int shift = 0; shift < 32; shift += 8) {
-        text += static_cast<char>(tag >> shift & 0xFF);
-    }
-    return text;
-}
-
 std::uint32_t Positive(int size) {
     return size > 0 ? static_cast<std::uint32_t>(size) : 0;
 }
@@ -91,8 +51,8 @@ std::uint64_t CountSamples(const AVStream& stream) {
 
 Track DescribeTrack(const AVStream& stream) {
     Track track;
-    track.kind = KindOf(stream.codecpar->codec_type);
-    track.codec = CodecText(stream.codecpar->codec_tag);
+    track.kind = KindOf(stream);
+    track.codec = CodecOf(stream);
     track.width = Positive(stream.codecpar->width);
     track.height = Positive(stream.codecpar->height);
     track.samples = CountSamples(stream);
@@ -100,11 +60,6 @@ Track DescribeTrack(const AVStream& stream) {
     track.duration = std::max(stream.duration, std::int64_t{0});
     track.unitsPerSecond = std::max(stream.time_base.den, 1);
     return track;
-}
-
-bool IsRegularFile(const std::string& path) {
-    std::error_code unknown;
-    return std::filesystem::is_regular_file(path, unknown);
 }
 
 } // namespace
@@ -118,7 +73,7 @@ std::uint64_t Track::FramesAt(int rate) const {
 }
 
 std::optional<std::vector<Track>> ReadTrackList(const std::string& path) {
-    const FormatContextPtr context = IsRegularFile(path) ? OpenMp4(path) : nullptr;
+    const FormatContextPtr context = OpenMp4(path, EditLists::Applied);
     if (context == nullptr) {
         return std::nullopt;
     }

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-namespace av {
+#include "platform/av/StreamFacts.h"
 
-enum class TrackKind { Video, Audio, Other };
+namespace av {
 
 struct Track {
     TrackKind kind = TrackKind::Other;

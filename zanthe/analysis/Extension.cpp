@@ -30,3 +30,9 @@ std::wstring LowerExtension(const std::wstring& path) {
 std::wstring LowerTextBehindLastDot(const std::wstring& path) {
     return LowerCase(path.substr(path.rfind(L'.') + 1));
 }
+
+std::wstring LowerFileExtension(const std::wstring& path) {
+    const std::wstring name = path.substr(path.find_last_of(L"\\/") + 1);
+    const std::size_t dot = name.rfind(L'.');
+    return dot == std::wstring::npos ? std::wstring() : LowerCase(name.substr(dot));
+}

@@ -39,6 +39,23 @@ TEST(LowerTextBehindLastDot, IsThePathWithoutADot) {
     EXPECT_EQ(LowerTextBehindLastDot(L""), L"");
 }
 
+TEST(LowerFileExtension, FromTheLastDotOfTheFileName) {
+    EXPECT_EQ(LowerFileExtension(L"a.MP3"), L".mp3");
+    EXPECT_EQ(LowerFileExtension(L"a.b.mp4"), L".mp4");
+    EXPECT_EQ(LowerFileExtension(L"d:/x.y/z.Mov"), L".mov");
+    EXPECT_EQ(LowerFileExtension(L"d:\\x.y\\z.Mov"), L".mov");
+    EXPECT_EQ(LowerFileExtension(L"a."), L".");
+    EXPECT_EQ(LowerFileExtension(L".mp3"), L".mp3");
+}
+
+TEST(LowerFileExtension, EmptyWithoutADotInTheFileName) {
+    EXPECT_EQ(LowerFileExtension(L""), L"");
+    EXPECT_EQ(LowerFileExtension(L"mp3"), L"");
+    EXPECT_EQ(LowerFileExtension(L"d:/x.mp3/z"), L"");
+    EXPECT_EQ(LowerFileExtension(L"d:\\x.mp3\\z"), L"");
+    EXPECT_EQ(LowerFileExtension(L"x.mp3/"), L"");
+}
+
 TEST(EqualIgnoringCase, ComparesAsciiLettersWithoutCase) {
     EXPECT_TRUE(EqualIgnoringCase(L"Brec", L"bREC"));
     EXPECT_TRUE(EqualIgnoringCase(L"", L""));

@@ -7,21 +7,10 @@
 #include <gtest/gtest.h>
 
 #include "platform/win32/Text.h"
+#include "tests/support/FixedVersion.h"
 #include "tests/support/TestMedia.h"
 
 namespace {
-
-class FixedVersion : public Zanthe::IWindowsVersionProvider {
-public:
-    explicit FixedVersion(bool newer)
-        : m_newer(newer) {}
-
-    // IWindowsVersionProvider
-    bool IsWindows62OrLater() const override { return m_newer; }
-
-private:
-    bool m_newer;
-};
 
 // The answers for one path: Audio, VideoSamples and Detection, each without a version provider, for
 // an older and for a newer system.
