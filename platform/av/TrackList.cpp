@@ -18,8 +18,7 @@ namespace {
 // A path is never a name of another protocol, and the file cannot lead to one.
 FormatContextPtr OpenMp4(const std::string& path) {
     FormatContextPtr context(avformat_alloc_context());
-    if (context == nullptr ||
-        av_opt_set(context.get(), "protocol_whitelist", "file", 0) < 0) {
+    if (context == nullptr || av_opt_set(context.get(), "protocol_whitelist", "file", 0) < 0) {
         return nullptr;
     }
     const std::string url = "file:" + path;
@@ -28,6 +27,18 @@ FormatContextPtr OpenMp4(const std::string& path) {
     const int opened = avformat_open_input(&raw, url.c_str(), format, nullptr);
     context.reset(raw);
     return opened < 0 ? nullptr : std::move(context);
+}
+
+// MPEG-4 part 2 and H.263 come without a size: the header's is not trusted for them, so a picture
+// has to be looked at. Where none can be decoded the size stays unknown, which is what it is.
+void CompleteSizes(AVFormatContext& context) {
+    const auto lacksSize = [](const AVStream* stream) {
+        return stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO && stream->codecpar->width <= 0;
+    };
+    if (std::any_of(context.streams, context.streams + context.nb_streams, lacksSize) &&
+        avformat_find_stream_info(&context, nullptr) < 0) {
+        av_log(&context, AV_LOG_VERBOSE, "no picture tells its size\n");
+    }
 }
 
 // Fragments are found one behind the other. With every track discarded a read finds no sample to
@@ -44,8 +55,8 @@ void VisitFragments(AVFormatContext& context) {
 
 bool IsCover(const AVStream& stream) {
     // A track of chapter pictures is flagged as a cover too, but it is a track.
-    const int marks = stream.disposition & (AV_DISPOSITION_ATTACHED_PIC |
-                                            AV_DISPOSITION_TIMED_THUMBNAILS);
+    const int marks =
+        stream.disposition & (AV_DISPOSITION_ATTACHED_PIC | AV_DISPOSITION_TIMED_THUMBNAILS);
     return marks == AV_DISPOSITION_ATTACHED_PIC;
 }
 
@@ -67,7 +78,9 @@ std::string CodecText(std::uint32_t tag) {
     return text;
 }
 
-std::uint32_t Positive(int size) { return size > 0 ? static_cast<std::uint32_t>(size) : 0; }
+std::uint32_t Positive(int size) {
+    return size > 0 ? static_cast<std::uint32_t>(size) : 0;
+}
 
 // The header counts the samples outside fragments, the index also those inside; but an edit list
 // leaves some out of the index.
@@ -109,6 +122,7 @@ std::optional<std::vector<Track>> ReadTrackList(const std::string& path) {
     if (context == nullptr) {
         return std::nullopt;
     }
+    CompleteSizes(*context);
     VisitFragments(*context);
     std::vector<Track> tracks;
     for (unsigned int i = 0; i < context->nb_streams; ++i) {

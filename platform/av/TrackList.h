@@ -1,5 +1,5 @@
-// The tracks of an MP4 or QuickTime file, from its headers alone: nothing is decoded, and no
-// payload is read.
+// The tracks of an MP4 or QuickTime file, from its headers alone; only where these leave a
+// picture's size open is the start of the file decoded.
 //
 //     if (const auto tracks = av::ReadTrackList(path)) for (const av::Track& track : *tracks) ...
 #pragma once
@@ -15,11 +15,11 @@ enum class TrackKind { Video, Audio, Other };
 
 struct Track {
     TrackKind kind = TrackKind::Other;
-    std::string codec;           // the four characters of its first sample description; empty if none
-    std::uint32_t width = 0;     // pixels as coded; 0 where the track has no pictures
+    std::string codec;       // the four characters of its first sample description; empty if none
+    std::uint32_t width = 0; // pixels as coded; 0 where the track has no pictures
     std::uint32_t height = 0;
-    std::uint64_t samples = 0;   // coded samples: pictures of a video track
-    std::int64_t duration = 0;   // in 1 / unitsPerSecond seconds, never negative
+    std::uint64_t samples = 0; // coded samples: pictures of a video track
+    std::int64_t duration = 0; // in 1 / unitsPerSecond seconds, never negative
     std::int64_t unitsPerSecond = 1;
 
     // How many frames at `rate` Hz begin before the track ends; 0 for a rate of 0 or less.

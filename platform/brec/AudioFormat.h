@@ -12,11 +12,13 @@ public:
     }
 
     int sampleRate() const { return m_sampleRate; } // Hz
+
     int channelCount() const { return m_channelCount; }
 
 private:
     AudioFormat(int sampleRate, int channelCount)
-        : m_sampleRate(sampleRate), m_channelCount(channelCount) {}
+        : m_sampleRate(sampleRate)
+        , m_channelCount(channelCount) {}
 
     int m_sampleRate;
     int m_channelCount;

@@ -14,15 +14,22 @@ namespace {
 class DescribedTrack final : public MP4TrackReader {
 public:
     DescribedTrack(av::Track track, const AudioFormat& format)
-        : m_track(std::move(track)), m_format(format) {}
+        : m_track(std::move(track))
+        , m_format(format) {}
 
     // MP4TrackReader
     int type() const override;
+
     std::string codec() const override { return m_track.codec; }
+
     std::uint32_t width() const override { return m_track.width; }
+
     std::uint32_t height() const override { return m_track.height; }
+
     std::uint64_t lengthInFrames() const override;
+
     unsigned int fillAudioBuffer(std::uint64_t, unsigned int, unsigned char*) override { return 0; }
+
     bool decodeFrameAtTime(double, unsigned char*, unsigned int, double*, double, double,
                            double) override {
         return false;

@@ -1,7 +1,8 @@
 // Registry values, out of an INI file of the user's. Stands for winreg.h, for reading only.
 //
 //     HKEY key = nullptr;
-//     if (RegOpenKeyExW(HKEY_CURRENT_USER, L"Software\\Vendor", 0, KEY_READ, &key) == ERROR_SUCCESS)
+//     if (RegOpenKeyExW(HKEY_CURRENT_USER, L"Software\\Vendor", 0, KEY_READ, &key) ==
+//     ERROR_SUCCESS)
 //         ... RegQueryValueExW(key, L"Flag", nullptr, &type, bytes, &size) ... RegCloseKey(key);
 //
 // The file is $ZANTHE_REGISTRY, else zanthe/registry.ini in the user's configuration folder

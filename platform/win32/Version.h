@@ -25,8 +25,9 @@ inline constexpr DWORD VER_SERVICEPACKMAJOR = 0x20;
 
 inline constexpr BYTE VER_GREATER_EQUAL = 3;
 
-// `mask` with the condition for the field that `typeMask` names, to be handed to VerifyVersionInfoW.
-// The condition of a field is set once; a field that is not one of the three above adds nothing.
+// `mask` with the condition for the field that `typeMask` names, to be handed to
+// VerifyVersionInfoW. The condition of a field is set once; a field that is not one of the three
+// above adds nothing.
 ULONGLONG VerSetConditionMask(ULONGLONG mask, DWORD typeMask, BYTE condition);
 
 // Whether the system meets `wanted` in the fields that `typeMask` names, each by its condition in

@@ -17,7 +17,9 @@ bool Exists(const std::wstring& path) {
     return std::filesystem::exists(win32::ExistingPath(win32::WideToUtf8(path)), unknown);
 }
 
-bool IsPngVideo(const MP4StreamType& stream) { return stream.type == 0 && stream.codec == "png "; }
+bool IsPngVideo(const MP4StreamType& stream) {
+    return stream.type == 0 && stream.codec == "png ";
+}
 
 } // namespace
 

@@ -31,12 +31,14 @@ public:
 
     // Makes each filter in the order given. Then, where graphObject (borrowed, may be null) answers
     // the interface {03A1EB8E-32BF-4245-8502-114D08A9CB88}, passes each to that interface's third
-    // own operation, in the same order. Reports nothing. May be called from several threads at once.
+    // own operation, in the same order. Reports nothing. May be called from several threads at
+    // once.
     virtual void AddFilters(const std::vector<PreferredFilter>& filters, IUnknown* graphObject) = 0;
 };
 
 // Puts `host` behind AddPreferredFilters, for the whole process, and answers the one that stood
-// there; empty is none, as at the start. A call that is under way keeps the host that it began with.
+// there; empty is none, as at the start. A call that is under way keeps the host that it began
+// with.
 std::shared_ptr<IPreferredFilterHost>
 SetPreferredFilterHost(std::shared_ptr<IPreferredFilterHost> host);
 

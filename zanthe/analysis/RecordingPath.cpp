@@ -56,7 +56,8 @@ RecordingPath::RecordingPath(const std::wstring& path) {
     SplitMember();
 }
 
-RecordingPath::RecordingPath(const std::string& path) : RecordingPath(win32::Utf8ToWide(path)) {}
+RecordingPath::RecordingPath(const std::string& path)
+    : RecordingPath(win32::Utf8ToWide(path)) {}
 
 void RecordingPath::SplitDirectory(const std::wstring& path) {
     const std::size_t separator = path.find_last_of(L"\\/");
@@ -85,7 +86,9 @@ std::wstring RecordingPath::GetExtension() const {
     return dot == std::wstring::npos ? std::wstring() : name.substr(dot + 1);
 }
 
-std::wstring RecordingPath::GetContainerPath() const { return directory + name; }
+std::wstring RecordingPath::GetContainerPath() const {
+    return directory + name;
+}
 
 std::int32_t RecordingPath::ClassifyMember(const std::wstring& member, std::int32_t* index) {
     for (const FixedMember& fixed : FixedMembers) {

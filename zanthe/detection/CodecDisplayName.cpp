@@ -85,8 +85,9 @@ std::span<const Row> RowsFor(const GUID& majorType) {
 
 bool GetCodecDisplayName(const GUID& majorType, const GUID& subtype, std::wstring& name) {
     const std::span<const Row> rows = RowsFor(majorType);
-    const auto row = std::find_if(rows.begin(), rows.end(),
-                                  [&](const Row& candidate) { return candidate.subtype == subtype; });
+    const auto row = std::find_if(rows.begin(), rows.end(), [&](const Row& candidate) {
+        return candidate.subtype == subtype;
+    });
     if (row == rows.end()) {
         return false;
     }
