@@ -137,8 +137,12 @@ Findings FindAll(const std::wstring& path) {
     return {ReadMP4StreamTypes(path), ReadMediaOrientation(path), TracksOf(path)};
 }
 
-// A file has one index: a walk that ends well has met all of it or nothing.
+// A file has one index: a walk that ends well has met all of it or nothing. (Of a file that does not
+// parse whole, for a few bytes behind its last box, more may come to light.)
 void ExpectAllOrNothing(const Findings& cut, const Findings& whole) {
+    if (!whole.tracks.has_value()) {
+        return;
+    }
     EXPECT_TRUE(cut.streams.empty() || cut.streams == whole.streams);
     EXPECT_TRUE(cut.orientation == MediaOrientation() || cut.orientation == whole.orientation);
     EXPECT_TRUE(!cut.tracks.has_value() || cut.tracks->empty() || cut.tracks == whole.tracks);
