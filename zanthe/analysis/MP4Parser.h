@@ -26,6 +26,8 @@ struct MP4TrackInfo {
     std::array<char, 8> codec{}; // four characters and a terminator; empty: none met
     std::int32_t parWidth = 1;   // shape of a pixel, width to height, of "avc1" only
     std::int32_t parHeight = 1;
+
+    friend bool operator==(const MP4TrackInfo&, const MP4TrackInfo&) = default;
 };
 
 namespace DSMediaDetNS {
