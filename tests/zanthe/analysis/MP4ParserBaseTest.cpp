@@ -173,7 +173,8 @@ TEST(MP4Walk, ASizeBelowTheHeadersGoesOnInsideIt) {
 
 // Its children are looked for behind the header, where it has ended already.
 TEST(MP4Walk, AContainerSmallerThanItsHeaderHasNoChildren) {
-    EXPECT_THAT(TypesIn(Header("moov", 5) + Zeros(3) + Header("last", 8)), ElementsAre("moov", Zeros(4)));
+    EXPECT_THAT(TypesIn(Header("moov", 5) + Zeros(3) + Header("last", 8)),
+                ElementsAre("moov", Zeros(4)));
 }
 
 TEST(MP4Walk, AChildThatSticksOutEndsItsParentsLoop) {

@@ -137,8 +137,8 @@ Findings FindAll(const std::wstring& path) {
     return {ReadMP4StreamTypes(path), ReadMediaOrientation(path), TracksOf(path)};
 }
 
-// A file has one index: a walk that ends well has met all of it or nothing. (Of a file that does not
-// parse whole, for a few bytes behind its last box, more may come to light.)
+// A file has one index: a walk that ends well has met all of it or nothing. (Of a file that does
+// not parse whole, for a few bytes behind its last box, more may come to light.)
 void ExpectAllOrNothing(const Findings& cut, const Findings& whole) {
     if (!whole.tracks.has_value()) {
         return;
