@@ -33,6 +33,7 @@ struct MP4TrackInfo {
 namespace DSMediaDetNS {
 
 // Thread-safety: none; one parser serves one thread, for one call.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): final, and never owned by its base
 class MP4Parser final : public MP4ParserBase {
 public:
     using MP4ParserBase::MP4ParserBase;

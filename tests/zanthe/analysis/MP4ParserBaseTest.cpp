@@ -29,6 +29,7 @@ using testing::ElementsAre;
 namespace {
 
 // Writes down what it is called with.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): final, and never owned by its base
 class Recorder final : public MP4ParserBase {
 public:
     using MP4ParserBase::MP4ParserBase;
