@@ -11,6 +11,7 @@
 using HANDLE = void*;
 
 // What calls that make a file handle answer when they fail; others answer a null handle.
+// NOLINTNEXTLINE(performance-no-int-to-ptr): the value is the SDK's; it is compared, never followed
 inline const HANDLE INVALID_HANDLE_VALUE = reinterpret_cast<HANDLE>(std::intptr_t{-1});
 
 // Ends the object behind `handle`. FALSE, with nothing done, for null and INVALID_HANDLE_VALUE.

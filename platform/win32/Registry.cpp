@@ -15,12 +15,12 @@
 #include "platform/win32/IniFile.h"
 #include "platform/win32/Text.h"
 
-// An open key: its values as they stood when it was opened.
-struct HKEY__ {
-    std::vector<win32::IniValue> values;
-};
-
 namespace win32 {
+
+// An open key: its values as they stood when it was opened.
+struct RegistryKey {
+    std::vector<IniValue> values;
+};
 
 namespace {
 
@@ -148,7 +148,7 @@ LSTATUS RegOpenKeyExW(HKEY root, LPCWSTR subKey, DWORD, REGSAM, HKEY* result) {
     if (values.empty()) {
         return ERROR_FILE_NOT_FOUND;
     }
-    *result = std::make_unique<HKEY__>(HKEY__{std::move(values)}).release();
+    *result = std::make_unique<win32::RegistryKey>(win32::RegistryKey{std::move(values)}).release();
     return ERROR_SUCCESS;
 }
 
@@ -173,7 +173,7 @@ LSTATUS RegCloseKey(HKEY key) {
         return ERROR_INVALID_HANDLE;
     }
     if (win32::RootName(key).empty()) {
-        const std::unique_ptr<HKEY__> owner(key);
+        const std::unique_ptr<win32::RegistryKey> owner(key);
     }
     return ERROR_SUCCESS;
 }

@@ -23,15 +23,21 @@
 
 #include "platform/win32/Types.h"
 
-using HKEY = struct HKEY__*;
+namespace win32 {
+struct RegistryKey;
+}
+
+using HKEY = win32::RegistryKey*;
 using REGSAM = DWORD;
 using LSTATUS = LONG;
 
 // Roots are numbers in the place of a pointer, sign-extended, as they are in winreg.h.
+// NOLINTBEGIN(performance-no-int-to-ptr)
 inline const HKEY HKEY_CURRENT_USER =
     reinterpret_cast<HKEY>(static_cast<std::intptr_t>(static_cast<LONG>(0x80000001)));
 inline const HKEY HKEY_LOCAL_MACHINE =
     reinterpret_cast<HKEY>(static_cast<std::intptr_t>(static_cast<LONG>(0x80000002)));
+// NOLINTEND(performance-no-int-to-ptr)
 
 inline constexpr REGSAM KEY_READ = 0x20019;
 

@@ -26,11 +26,14 @@ struct MP4TrackInfo {
     std::array<char, 8> codec{}; // four characters and a terminator; empty: none met
     std::int32_t parWidth = 1;   // shape of a pixel, width to height, of "avc1" only
     std::int32_t parHeight = 1;
+
+    friend bool operator==(const MP4TrackInfo&, const MP4TrackInfo&) = default;
 };
 
 namespace DSMediaDetNS {
 
 // Thread-safety: none; one parser serves one thread, for one call.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): final, and never owned by its base
 class MP4Parser final : public MP4ParserBase {
 public:
     using MP4ParserBase::MP4ParserBase;

@@ -8,6 +8,7 @@
 #include "zanthe/analysis/MediaOrientation.h"
 
 // Thread-safety: none; one finder serves one thread, for one call.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): final, and never owned by its base
 class MP4ParserFindOrientation final : public MP4ParserBase {
 public:
     using MP4ParserBase::MP4ParserBase;

@@ -9,6 +9,7 @@
 #include "zanthe/analysis/MP4StreamTypes.h"
 
 // Thread-safety: none; one finder serves one thread, for one call.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): final, and never owned by its base
 class MP4ParserFindStreamTypes final : public MP4ParserBase {
 public:
     using MP4ParserBase::MP4ParserBase;

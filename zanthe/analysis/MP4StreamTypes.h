@@ -10,6 +10,8 @@
 struct MP4StreamType {
     std::int32_t type = MP4TrackType::Other; // a value of MP4TrackType
     std::string codec; // four characters, as "avc1" or "png "; empty: none met
+
+    friend bool operator==(const MP4StreamType&, const MP4StreamType&) = default;
 };
 
 // One element for each track of the file at `path`, in file order; `path` is opened as given. A

@@ -12,6 +12,8 @@ struct MediaOrientation {
     MP4Matrix matrix = IdentityMatrix; // the movie's transform times the video track's
     std::int32_t width = 0;            // of the video track's picture as shown, in whole pixels
     std::int32_t height = 0;
+
+    friend bool operator==(const MediaOrientation&, const MediaOrientation&) = default;
 };
 
 // The orientation of the last video track of the file at `path`, which may name a member of a

@@ -61,10 +61,8 @@ TEST(FitSizeToBounds, OneBoundTruncatesAndTwoRound) {
     EXPECT_EQ(Fit(5, 4, 100, 2), Size(3, 2));
 }
 
-// 33/49 * 49 is 32.999998 in single precision and 33 in double.
+// A width of 2^24 + 1 has no float, so the quotient differs from the exact one now and then.
 TEST(FitSizeToBounds, OneBoundIsReckonedInSinglePrecision) {
-    const float inSingle = 41.0F / 98.0F * 49.0F;
-    EXPECT_EQ(Fit(41, 98, 0, 49), Size(static_cast<int>(inSingle), 49));
     int differing = 0;
     for (int height = 2; height < 2000; ++height) {
         const float single =
