@@ -9,12 +9,12 @@
 #include "zanthe/core/TextException.h"
 #include "zanthe/directshow/IDSChain.h"
 
+namespace Zanthe {
+namespace {
+
 using testing::_;
 using testing::Return;
 using testing::StrictMock;
-
-namespace Zanthe {
-namespace {
 
 class MockChain : public IDSChain {
 public:

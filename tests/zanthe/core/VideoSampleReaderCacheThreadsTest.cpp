@@ -68,6 +68,7 @@ public:
 template <typename Work>
 void OnAllThreads(Work work) {
     std::vector<std::jthread> threads;
+    threads.reserve(Threads);
     for (int thread = 0; thread < Threads; ++thread) {
         threads.emplace_back([&work, thread] { work(thread); });
     }

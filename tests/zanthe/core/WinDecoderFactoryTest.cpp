@@ -181,7 +181,7 @@ public:
 
 class Dispatch : public testing::Test {
 protected:
-    ~Dispatch() override { win32::SetSystemVersion({}); }
+    void TearDown() override { win32::SetSystemVersion({}); }
 
     std::unique_ptr<WinDecoderFactory> Make(IMFDXGIDeviceManager* deviceManager = nullptr) {
         auto factory =
