@@ -16,6 +16,8 @@ public:
     ProgramRun& operator=(const ProgramRun&) = delete;
     ~ProgramRun(); // kills what still runs
 
+    pid_t Process() const { return m_process; }
+
     void Signal(int signal) const;
 
     // Waits for its end: the exit status, or minus the signal that killed it.

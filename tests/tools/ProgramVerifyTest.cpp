@@ -1,5 +1,6 @@
+#include <chrono>
 #include <csignal>
-#include <filesystem>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -67,9 +68,11 @@ TEST(ProgramVerify, RefusesWhatAudioRefuses) {
 
 TEST(ProgramVerify, InterruptedItEndsSilently) {
     ProgramRun run({"verify", Tone(), "--seeks", "1000000000"});
-    // The program prints nothing before its end, so give it a moment to get under way; a signal
-    // that came before would end it by itself, with minus the signal.
-    usleep(500 * 1000);
+    // What it keeps the sound in is mapped once the linear reading is over.
+    const std::string maps = "/proc/" + std::to_string(run.Process()) + "/maps";
+    for (int i = 0; i < 12000 && ReadWholeFile(maps).find(" (deleted)") == std::string::npos; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
     run.Signal(SIGINT);
     EXPECT_EQ(run.Wait(), 130);
     EXPECT_EQ(run.Out(), "");
