@@ -27,5 +27,12 @@ if(ZANTHE_SANITIZE)
                         -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${ZANTHE_SANITIZE})
     # GCC's flow warnings misfire on instrumented code.
-    target_compile_options(zanthe_settings INTERFACE -Wno-maybe-uninitialized)
+    target_compile_options(zanthe_settings INTERFACE
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+endif()
+
+# The coverage that libFuzzer steers by, in the library's objects too; only the targets link its main.
+if(ZANTHE_FUZZERS)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+    add_link_options(-fsanitize=fuzzer-no-link)
 endif()

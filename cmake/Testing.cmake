@@ -1,11 +1,15 @@
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
-# zanthe_test(NAME [MEDIA] SOURCES... [LIBRARIES ...])
+# All test programs that the thread sanitizer is to look at.
+add_custom_target(zanthe_thread_tests)
+
+# zanthe_test(NAME [MEDIA] [THREADS] SOURCES... [LIBRARIES ...])
 # One test program; each of its cases is a test of its own. MEDIA: the cases read what
-# tests/media/make-media writes, so that runs first.
+# tests/media/make-media writes, so that runs first. THREADS: the cases run code on several threads,
+# so they are passed under the thread sanitizer too (label threads).
 function(zanthe_test name)
-    cmake_parse_arguments(arg "MEDIA" "" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(arg "MEDIA;THREADS" "" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE
         zanthe_settings zanthe_testing zanthe_test_support GTest::gmock GTest::gtest_main
@@ -13,6 +17,10 @@ function(zanthe_test name)
     set(properties TIMEOUT 300)
     if(arg_MEDIA)
         list(APPEND properties FIXTURES_REQUIRED made_media)
+    endif()
+    if(arg_THREADS)
+        list(APPEND properties LABELS threads)
+        add_dependencies(zanthe_thread_tests ${name})
     endif()
     gtest_discover_tests(${name} TEST_PREFIX ${name}. PROPERTIES ${properties}
                          DISCOVERY_TIMEOUT 60)

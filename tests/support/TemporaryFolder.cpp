@@ -19,7 +19,7 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 std::string TemporaryFolder::Write(std::string_view name, std::string_view bytes) const {
-    const std::string path = *this / name;
+    std::string path = *this / name;
     std::ofstream(path, std::ios::binary) << bytes;
     return path;
 }
