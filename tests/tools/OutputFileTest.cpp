@@ -119,7 +119,7 @@ TEST(OutputFile, ALinkToItselfIsRefused) {
     TemporaryFolder folder;
     const std::string link = folder / "link.wav";
     fs::create_symlink("link.wav", link);
-    EXPECT_NE(RefusalOf(link).find(link + ": cannot be written: "), std::string::npos);
+    EXPECT_EQ(RefusalOf(link), link + ": cannot be written: Too many levels of symbolic links");
 }
 
 TEST(OutputFile, KeepsThePermissionsOfWhatItReplaces) {

@@ -24,14 +24,19 @@ namespace {
 }
 
 // Renaming over a symbolic link would put the file in the link's place and leave what it points to.
+// Followed by hand, since what the last link names need not be there yet.
 std::filesystem::path BehindLinks(const std::string& name) {
+    constexpr int mostLinks = 40; // as the system itself follows
+    std::filesystem::path target = name;
     std::error_code error;
-    if (!std::filesystem::is_symlink(name, error)) {
-        return name;
-    }
-    auto target = std::filesystem::weakly_canonical(name, error);
-    if (error) {
-        Refuse(name, error.value());
+    for (int i = 0; std::filesystem::is_symlink(target, error); ++i) {
+        if (i == mostLinks) {
+            Refuse(name, ELOOP);
+        }
+        target = target.parent_path() / std::filesystem::read_symlink(target, error);
+        if (error) {
+            Refuse(name, error.value());
+        }
     }
     return target;
 }
