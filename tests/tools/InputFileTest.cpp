@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "tests/support/TemporaryFolder.h"
+#include "tests/tools/WithoutPrivileges.h"
 #include "tools/zanthe/CommandError.h"
 
 namespace {
@@ -60,11 +60,23 @@ TEST(InputFile, SaysThatANameIsTooLong) {
 }
 
 TEST(InputFile, SaysThatReadingIsNotPermitted) {
-    if (geteuid() == 0) {
-        GTEST_SKIP() << "to root everything is permitted";
-    }
     TemporaryFolder folder;
+    std::filesystem::permissions(folder.Path(), std::filesystem::perms::all);
     const std::string path = folder.Write("clip.mp3", "x");
     std::filesystem::permissions(path, std::filesystem::perms::none);
+    WithoutPrivileges nobody;
     EXPECT_EQ(RefusalOf(path), path + ": permission denied");
+}
+
+TEST(InputFile, SaysThatLookingIsNotPermitted) {
+    TemporaryFolder folder;
+    const std::string path = folder.Write("clip.mp3", "x");
+    std::filesystem::permissions(folder.Path(), std::filesystem::perms::none);
+    std::string refusal;
+    {
+        WithoutPrivileges nobody;
+        refusal = RefusalOf(path);
+    }
+    std::filesystem::permissions(folder.Path(), std::filesystem::perms::all);
+    EXPECT_EQ(refusal, path + ": permission denied");
 }

@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "tests/support/TemporaryFolder.h"
+#include "tests/tools/WithoutPrivileges.h"
 #include "tools/zanthe/CommandError.h"
 
 using Program::OutputFile;
@@ -171,11 +171,22 @@ TEST(OutputFile, RefusesAFolderThatTakesNoFiles) {
 }
 
 TEST(OutputFile, RefusesAFileThatMayNotBeWritten) {
-    if (geteuid() == 0) {
-        GTEST_SKIP() << "to root everything is permitted";
-    }
     TemporaryFolder folder;
+    fs::permissions(folder.Path(), fs::perms::all);
     const std::string path = folder.Write("out.wav", "old");
-    fs::permissions(path, static_cast<fs::perms>(0400));
+    fs::permissions(path, static_cast<fs::perms>(0444));
+    WithoutPrivileges nobody;
     EXPECT_EQ(RefusalOf(path), path + ": cannot be written: Permission denied");
+}
+
+TEST(OutputFile, RefusesAFolderThatMayNotBeWritten) {
+    TemporaryFolder folder;
+    fs::permissions(folder.Path(), static_cast<fs::perms>(0555));
+    std::string refusal;
+    {
+        WithoutPrivileges nobody;
+        refusal = RefusalOf(folder / "out.wav");
+    }
+    fs::permissions(folder.Path(), fs::perms::all);
+    EXPECT_EQ(refusal, (folder / "out.wav") + ": cannot be written: Permission denied");
 }

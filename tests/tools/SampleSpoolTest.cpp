@@ -45,20 +45,23 @@ TEST(SampleSpool, GivesBackWhatWasAppended) {
     SampleSpool spool(2);
     spool.Append({left.data(), right.data()}, 3);
     spool.Append({left.data() + 1, right.data() + 1}, 2);
-    spool.Seal();
     ASSERT_EQ(spool.Frames(), 5);
-    EXPECT_EQ(std::vector<float>(spool.Plane(0), spool.Plane(0) + 5),
-              (std::vector<float>{1, 2, 3, 2, 3}));
-    EXPECT_EQ(std::vector<float>(spool.Plane(1), spool.Plane(1) + 5),
-              (std::vector<float>{4, 5, 6, 5, 6}));
+    std::vector<float> samples(5);
+    spool.Read(0, 0, 5, samples.data());
+    EXPECT_EQ(samples, (std::vector<float>{1, 2, 3, 2, 3}));
+    spool.Read(1, 0, 5, samples.data());
+    EXPECT_EQ(samples, (std::vector<float>{4, 5, 6, 5, 6}));
+    spool.Read(1, 2, 2, samples.data());
+    EXPECT_EQ(samples, (std::vector<float>{6, 5, 6, 5, 6}));
 }
 
 TEST(SampleSpool, MayStayEmpty) {
     std::vector<float> plane{1};
     SampleSpool spool(2);
     spool.Append({plane.data(), plane.data()}, 0);
-    spool.Seal();
     EXPECT_EQ(spool.Frames(), 0);
+    spool.Read(0, 0, 0, plane.data());
+    EXPECT_EQ(plane[0], 1);
 }
 
 TEST(SampleSpool, LeavesNoNameInTheTemporaryFolder) {

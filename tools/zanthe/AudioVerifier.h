@@ -122,6 +122,7 @@ private:
     SampleSpool m_spool{SoundChannels};
     std::vector<std::vector<float>> m_buffers; // one a channel: a span and a margin
     std::vector<float*> m_planes;              // into m_buffers
+    std::vector<float> m_expected;             // of one channel and span, from the spool
     std::uint32_t m_poison = 0;                // what the buffers held before the latest read
     AudioVerification m_found;
 };

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -40,7 +41,7 @@ void RequireReadableFile(const std::string& path) {
     if (!S_ISREG(status.st_mode)) {
         throw CommandError(path, "is not a regular file");
     }
-    if (access(path.c_str(), R_OK) != 0) {
+    if (faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0) {
         throw CommandError(path, TextOf(errno));
     }
     if (status.st_size == 0) {

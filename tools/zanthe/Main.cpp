@@ -28,14 +28,13 @@ constexpr const char* ExitStatuses =
 class WholeNumber : public CLI::Validator {
 public:
     WholeNumber(std::uint64_t low, std::uint64_t high) {
-        const std::string range = "[" + std::to_string(low) + " - " + std::to_string(high) + "]";
-        description("in " + range);
+        const std::string range = std::to_string(low) + " to " + std::to_string(high);
         func_ = [=](std::string& text) -> std::string {
             std::uint64_t number = 0;
             const char* end = text.data() + text.size();
             const auto [stop, error] = std::from_chars(text.data(), end, number);
             if (error != std::errc() || stop != end || number < low || number > high) {
-                return text + " is no whole number in " + range;
+                return text + " is no whole number from " + range;
             }
             text = std::to_string(number);
             return {};
@@ -48,8 +47,9 @@ constexpr std::uint64_t MaxFrame = 400'000'000'000;
 constexpr std::uint64_t MaxSeeks = 1'000'000'000;
 
 void AddRate(CLI::App& command, int& rate) {
-    command.add_option("--rate", rate, "Sample rate of what is read, in Hz")
-        ->check(WholeNumber(1, 768000))
+    command.add_option("--rate", rate, "Sample rate of what is read, in Hz, 1 to 768000")
+        ->type_name("HZ")
+        ->transform(WholeNumber(1, 768000))
         ->capture_default_str();
 }
 
@@ -60,26 +60,30 @@ void AddJson(CLI::App& command, bool& json) {
 CLI::App* AddAudio(CLI::App& app, Program::AudioRequest& request) {
     CLI::App* command = app.add_subcommand("audio", "Write a file's sound as a stereo WAV file");
     command->footer(ExitStatuses);
-    command->add_option("FILE", request.file, "The file to read")->required();
+    command->add_option("FILE", request.file, "The file to read")->required()->type_name("");
     command
         ->add_option("--start", request.start,
                      "First sample frame to write, counted at the rate of --rate")
-        ->check(WholeNumber(0, MaxFrame))
+        ->type_name("FRAME")
+        ->transform(WholeNumber(0, MaxFrame))
         ->capture_default_str();
     command
         ->add_option("--frames", request.frames,
                      "How many sample frames to write, counted at the rate of --rate; fewer come "
                      "when the sound ends (default: to its end)")
-        ->check(WholeNumber(0, MaxFrame));
+        ->type_name("N")
+        ->transform(WholeNumber(0, MaxFrame));
     AddRate(*command, request.rate);
     command
         ->add_option("--track", request.track,
                      "Number of the sound track, counted from 0 (default: the first)")
-        ->check(WholeNumber(0, std::numeric_limits<int>::max()));
+        ->type_name("N")
+        ->transform(WholeNumber(0, std::numeric_limits<int>::max()));
     command->add_flag("--float", request.isFloat, "Write 32 bit floats (default: 16 bit integers)");
     command
         ->add_option("-o,--output", request.output,
                      "The WAV file to write; one that is there is replaced at the end")
+        ->type_name("OUT.wav")
         ->required();
     AddJson(*command, request.json);
     return command;
@@ -89,16 +93,18 @@ CLI::App* AddVerify(CLI::App& app, Program::VerifyRequest& request) {
     CLI::App* command = app.add_subcommand(
         "verify", "Read a file from start to end, then in every other order, and compare");
     command->footer(ExitStatuses);
-    command->add_option("FILE", request.file, "The file to read")->required();
+    command->add_option("FILE", request.file, "The file to read")->required()->type_name("");
     command->add_flag("--audio", request.audio, "Verify the sound (as without it, for now)");
     command->add_option("--seeks", request.seeks, "How many reads to make at random positions")
-        ->check(WholeNumber(0, MaxSeeks))
+        ->type_name("N")
+        ->transform(WholeNumber(0, MaxSeeks))
         ->capture_default_str();
     command
         ->add_option("--seed", request.seed,
                      "What the random positions follow from, to repeat a run (default: another "
                      "every time; it is printed)")
-        ->check(WholeNumber(0, std::numeric_limits<std::uint64_t>::max()));
+        ->type_name("S")
+        ->transform(WholeNumber(0, std::numeric_limits<std::uint64_t>::max()));
     AddRate(*command, request.rate);
     AddJson(*command, request.json);
     return command;
@@ -135,7 +141,8 @@ int Serve(void (*run)(const Request&, std::ostream&), const Request& request) {
 int main(int argc, char** argv) {
     CLI::App app("Random access to what media files hold.", "zanthe");
     app.set_version_flag("--version", "zanthe " ZANTHE_VERSION);
-    app.require_subcommand(1);
+    // None is told apart by us: CLI11 would name a missing command before a misspelt one.
+    app.require_subcommand(0, 1);
     app.footer(ExitStatuses);
     Program::AudioRequest audio;
     Program::VerifyRequest verify;
@@ -143,6 +150,9 @@ int main(int argc, char** argv) {
     AddVerify(app, verify);
     try {
         app.parse(argc, argv);
+        if (app.get_subcommands().empty()) {
+            throw CLI::RequiredError::Subcommand(1);
+        }
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : ExitUsage;
     }

@@ -57,7 +57,7 @@ mode_t PermissionsFor(const std::string& name, const std::filesystem::path& targ
     if (!S_ISREG(status.st_mode)) {
         Refuse(name, "is not a regular file");
     }
-    if (access(target.c_str(), W_OK) != 0) {
+    if (faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) {
         Refuse(name, errno);
     }
     return status.st_mode & 07777;

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include "tools/zanthe/CommandError.h"
@@ -20,16 +19,16 @@ std::string TemporaryFolder() {
     return folder != nullptr && *folder != '\0' ? folder : "/tmp";
 }
 
-[[noreturn]] void Refuse(const std::string& folder) {
+[[noreturn]] void Refuse(const std::string& folder, int error) {
     throw CommandError(folder, "no temporary file for the sound: " +
-                                   std::generic_category().message(errno));
+                                   std::generic_category().message(error));
 }
 
 int OpenNameless(const std::string& folder) {
     std::string path = folder + "/zanthe-XXXXXX";
     const int file = mkostemp(path.data(), O_CLOEXEC);
     if (file < 0) {
-        Refuse(folder);
+        Refuse(folder, errno);
     }
     unlink(path.c_str());
     return file;
@@ -43,14 +42,9 @@ FloatFile::FloatFile()
 
 FloatFile::FloatFile(FloatFile&& other) noexcept
     : m_folder(std::move(other.m_folder))
-    , m_file(std::exchange(other.m_file, -1))
-    , m_bytes(std::exchange(other.m_bytes, 0))
-    , m_mapping(std::exchange(other.m_mapping, nullptr)) {}
+    , m_file(std::exchange(other.m_file, -1)) {}
 
 FloatFile::~FloatFile() {
-    if (m_mapping != nullptr) {
-        munmap(m_mapping, m_bytes);
-    }
     if (m_file >= 0) {
         close(m_file);
     }
@@ -65,24 +59,29 @@ void FloatFile::Append(const float* samples, std::size_t count) {
             if (errno == EINTR) {
                 continue;
             }
-            Refuse(m_folder);
+            Refuse(m_folder, errno);
         }
         next += written;
         left -= static_cast<std::size_t>(written);
-        m_bytes += static_cast<std::size_t>(written);
     }
 }
 
-const float* FloatFile::Map() {
-    if (m_bytes == 0) {
-        return nullptr;
+void FloatFile::Read(std::int64_t first, std::size_t count, float* samples) const {
+    char* next = reinterpret_cast<char*>(samples);
+    std::size_t left = count * sizeof(float);
+    auto position = static_cast<off_t>(first) * static_cast<off_t>(sizeof(float));
+    while (left > 0) {
+        const ssize_t got = pread(m_file, next, left, position);
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got <= 0) {
+            Refuse(m_folder, got < 0 ? errno : EIO);
+        }
+        next += got;
+        left -= static_cast<std::size_t>(got);
+        position += got;
     }
-    void* mapping = mmap(nullptr, m_bytes, PROT_READ, MAP_SHARED, m_file, 0);
-    if (mapping == MAP_FAILED) {
-        Refuse(m_folder);
-    }
-    m_mapping = mapping;
-    return static_cast<const float*>(m_mapping);
 }
 
 SampleSpool::SampleSpool(int channels)
@@ -95,10 +94,9 @@ void SampleSpool::Append(const std::vector<float*>& planes, std::size_t count) {
     m_frames += static_cast<std::int64_t>(count);
 }
 
-void SampleSpool::Seal() {
-    for (FloatFile& file : m_files) {
-        m_planes.push_back(file.Map());
-    }
+void SampleSpool::Read(std::size_t channel, std::int64_t first, std::size_t count,
+                       float* samples) const {
+    m_files[channel].Read(first, count, samples);
 }
 
 } // namespace Program

@@ -2,8 +2,7 @@
 //
 //     SampleSpool spool(2);
 //     spool.Append(planes, count);   // ... until the sound ends
-//     spool.Seal();
-//     spool.Plane(0)[12345];
+//     spool.Read(0, 12345, 100, samples);
 #pragma once
 
 #include <cstddef>
@@ -25,14 +24,12 @@ public:
 
     void Append(const float* samples, std::size_t count);
 
-    // Maps what was appended; it stays valid as long as this object. Null when that is nothing.
-    const float* Map();
+    // Reads `count` floats from the one numbered `first` on; all of them were appended.
+    void Read(std::int64_t first, std::size_t count, float* samples) const;
 
 private:
     std::string m_folder;
     int m_file;
-    std::size_t m_bytes = 0;
-    void* m_mapping = nullptr;
 };
 
 // Errors: CommandError that names the temporary folder and the system's text, mostly that the disk
@@ -44,17 +41,13 @@ public:
     // Appends `count` frames of the planes, one a channel.
     void Append(const std::vector<float*>& planes, std::size_t count);
 
-    // No Append after this, no Plane before.
-    void Seal();
-
     std::int64_t Frames() const { return m_frames; }
 
-    // The samples of one channel, [0, Frames()).
-    const float* Plane(std::size_t channel) const { return m_planes[channel]; }
+    // Reads the samples [first, first + count) of one channel. REQUIRES: within [0, Frames()).
+    void Read(std::size_t channel, std::int64_t first, std::size_t count, float* samples) const;
 
 private:
     std::vector<FloatFile> m_files; // one a channel
-    std::vector<const float*> m_planes;
     std::int64_t m_frames = 0;
 };
 
