@@ -19,7 +19,7 @@ constexpr int FileSeconds = 600;
 constexpr int LinearSpanSeconds = 10; // what one call of a linear read asks for
 
 std::string MediaPath() {
-    const std::string path = ZANTHE_BENCH_MEDIA_FOLDER "/long-44100-stereo-cbr192.mp3";
+    std::string path = ZANTHE_BENCH_MEDIA_FOLDER "/long-44100-stereo-cbr192.mp3";
     if (!std::filesystem::exists(path)) {
         throw std::runtime_error("not made: " + path + " (run scripts/bench)");
     }
@@ -97,11 +97,9 @@ private:
 // The same places for every contender, repetition and run.
 std::vector<std::int64_t> RandomPlaces(int rate) {
     std::mt19937 random(20240229);
+    const auto end = static_cast<std::uint32_t>((FileSeconds - 2) * rate);
     std::vector<std::int64_t> places(64);
-    std::generate(places.begin(), places.end(), [&] {
-        return static_cast<std::int64_t>(random() %
-                                         ((FileSeconds - 2) * static_cast<unsigned>(rate)));
-    });
+    std::generate(places.begin(), places.end(), [&] { return random() % end; });
     return places;
 }
 

@@ -19,13 +19,14 @@ constexpr CLSID PngClass = {
 
 // An image over one opaque pixel.
 class OnePixel : public testing::Test {
-protected:
+public:
     OnePixel() {
         EXPECT_EQ(GdipCreateBitmapFromScan0(1, 1, 4, PixelFormat32bppARGB, m_pixel, &m_image), Ok);
     }
 
     ~OnePixel() override { EXPECT_EQ(GdipDisposeImage(m_image), Ok); }
 
+protected:
     GpStatus Save(const std::string& path) {
         return GdipSaveImageToFile(m_image, win32::Utf8ToWide(path).c_str(), &PngClass, nullptr);
     }

@@ -30,11 +30,11 @@ public:
     std::int64_t settledFrom() const { return m_settledFrom; }
 
 private:
-    std::int64_t m_reservoirBytes; // how far back a frame may reach
-    std::int64_t m_overheadBytes;  // of a packet, not part of the reservoir
-    std::int64_t m_historyBytes = 0;
-    int m_packets = 0;    // since the last seek
-    int m_overlapped = 0; // packets with their whole reservoir
+    std::int64_t m_reservoirBytes = 0; // how far back a frame may reach
+    std::int64_t m_overheadBytes = 0;  // of a packet, not part of the reservoir
+    int m_overlapPackets = 2;          // whole ones that settle overlap and window
+    std::int64_t m_historyBytes = 0;   // of the packets since the last seek
+    int m_wholePackets = 0;            // of them, those with their whole reservoir
     std::int64_t m_settledFrom = 0;
 };
 
