@@ -250,7 +250,7 @@ std::int64_t AudioVerifier::Between(std::int64_t low, std::int64_t high) {
 
 // 1 to `longest`, a few frames as often as many thousands, even and odd.
 unsigned int AudioVerifier::AnyLength(std::int64_t longest) {
-    const int bits = std::bit_width(static_cast<std::uint64_t>(longest));
+    const std::int64_t bits = std::bit_width(static_cast<std::uint32_t>(longest));
     const std::int64_t bound = std::int64_t{1} << Between(0, bits);
     return static_cast<unsigned int>(Between(1, std::min(bound, longest)));
 }

@@ -2,6 +2,7 @@
 // commands' own files.
 #include <charconv>
 #include <cstdint>
+#include <cstdio>
 #include <iostream>
 #include <limits>
 #include <new>
@@ -136,9 +137,7 @@ int Serve(void (*run)(const Request&, std::ostream&), const Request& request) {
     }
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
     CLI::App app("Random access to what media files hold.", "zanthe");
     app.set_version_flag("--version", "zanthe " ZANTHE_VERSION);
     // None is told apart by us: CLI11 would name a missing command before a misspelt one.
@@ -158,4 +157,16 @@ int main(int argc, char** argv) {
     }
     return audioCommand->parsed() ? Serve(Program::RunAudio, audio)
                                   : Serve(Program::RunVerify, verify);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Run(argc, argv);
+    } catch (...) {
+        // What is left to come here is that there was no memory for saying anything longer.
+        std::fputs("zanthe: out of memory\n", stderr);
+        return ExitRefused;
+    }
 }

@@ -90,7 +90,7 @@ std::string FreshName() {
 std::string MakeFresh(const std::string& name, const std::filesystem::path& folder,
                       mode_t permissions) {
     for (;;) {
-        const std::string path = (folder / FreshName()).string();
+        std::string path = (folder / FreshName()).string();
         const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
         if (file >= 0) {
             // Not every file system keeps permissions; the file is good without them.
