@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -219,7 +220,7 @@ namespace {
 // contents.
 std::string WriteLongSound(const TemporaryFolder& folder) {
     const std::string tone = ReadWholeFile(MadeMedia("tone-44100-stereo-cbr-noxing.mp3"));
-    const std::string path = folder / "long.mp3";
+    std::string path = folder / "long.mp3";
     std::ofstream stream(path, std::ios::binary);
     for (int i = 0; i < 600; ++i) {
         stream << tone;
