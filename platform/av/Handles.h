@@ -10,6 +10,7 @@
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavutil/dict.h>
 #include <libswresample/swresample.h>
 }
 
@@ -30,6 +31,7 @@ using FormatContextPtr = std::unique_ptr<AVFormatContext, FreeThrough<avformat_c
 using CodecContextPtr = std::unique_ptr<AVCodecContext, FreeThrough<avcodec_free_context>>;
 using FramePtr = std::unique_ptr<AVFrame, FreeThrough<av_frame_free>>;
 using PacketPtr = std::unique_ptr<AVPacket, FreeThrough<av_packet_free>>;
+using DictionaryPtr = std::unique_ptr<AVDictionary, FreeThrough<av_dict_free>>;
 using SwrContextPtr = std::unique_ptr<SwrContext, FreeThrough<swr_free>>;
 
 } // namespace av

@@ -4,9 +4,11 @@
 
 #include <cerrno>
 #include <mutex>
+#include <utility>
 
 extern "C" {
 #include <libavutil/log.h>
+#include <libavutil/opt.h>
 }
 
 namespace av {
@@ -32,19 +34,46 @@ int CheckRegularFile(const std::string& path) {
     return S_ISREG(status.st_mode) ? 0 : AVERROR(EINVAL);
 }
 
-} // namespace
-
-int OpenInput(FormatContextPtr& context, const std::string& path) {
+// `format` null: whatever the file's bytes look like. Options that nobody takes are no error.
+int OpenAs(FormatContextPtr& context, const std::string& path, const AVInputFormat* format,
+           DictionaryPtr options) {
     QuietUnlessChosen();
     if (const int error = CheckRegularFile(path); error < 0) {
         context.reset();
         return error;
     }
-    // avformat_open_input frees the context itself when it fails.
+    // avformat_open_input frees the context itself when it fails, and changes the dictionary.
     AVFormatContext* raw = context.release();
-    const int result = avformat_open_input(&raw, ("file:" + path).c_str(), nullptr, nullptr);
+    AVDictionary* rawOptions = options.release();
+    const int result = avformat_open_input(&raw, ("file:" + path).c_str(), format, &rawOptions);
+    options.reset(rawOptions);
     context.reset(raw);
     return result;
+}
+
+DictionaryPtr MakeOptions(const char* key, const char* value) {
+    AVDictionary* options = nullptr;
+    const int result = av_dict_set(&options, key, value, 0);
+    DictionaryPtr owner(options);
+    return result < 0 ? nullptr : std::move(owner);
+}
+
+} // namespace
+
+int OpenInput(FormatContextPtr& context, const std::string& path) {
+    return OpenAs(context, path, nullptr, nullptr);
+}
+
+FormatContextPtr OpenMp4(const std::string& path, EditLists editLists) {
+    FormatContextPtr context(avformat_alloc_context());
+    auto options = MakeOptions("ignore_editlist", editLists == EditLists::Ignored ? "1" : "0");
+    // Neither a path nor anything in the file can name another protocol.
+    if (context == nullptr || options == nullptr ||
+        av_opt_set(context.get(), "protocol_whitelist", "file", 0) < 0) {
+        return nullptr;
+    }
+    const AVInputFormat* format = av_find_input_format("mp4");
+    return OpenAs(context, path, format, std::move(options)) < 0 ? nullptr : std::move(context);
 }
 
 } // namespace av

@@ -13,4 +13,14 @@ namespace av {
 // is there but is no regular file: a folder, a device, a pipe that would block).
 int OpenInput(FormatContextPtr& context, const std::string& path);
 
+// Whether a file's edit lists shape the times and the samples of its tracks.
+enum class EditLists {
+    Applied, // the times are those of the presentation
+    Ignored, // the times are the track's own, from 0 on, and every sample is there
+};
+
+// The MP4 or QuickTime file at `path`, opened as above; empty where it is none. What it refers to
+// outside itself is not opened.
+FormatContextPtr OpenMp4(const std::string& path, EditLists editLists);
+
 } // namespace av

@@ -6,10 +6,15 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/mf/DXGIDeviceManager.h"
+#include "zanthe/audio/AudioMediaReaderFactory.h"
 #include "zanthe/audio/IAudioReader.h"
+#include "zanthe/core/DecoderFactory.h"
 #include "zanthe/core/VideoDecoder.h"
 #include "zanthe/core/VideoSample.h"
 #include "zanthe/core/VideoSampleReader.h"
+#include "zanthe/core/VideoSampleReaderCache.h"
+#include "zanthe/directshow/IDSChain.h"
 
 #if defined(__x86_64__)
 
@@ -61,11 +66,46 @@ TEST(OperationOrder, IAudioReader) {
     EXPECT_EQ(SlotOf(&IAudioReader::FillAudioBuffer), 2);
 }
 
+TEST(OperationOrder, Factories) {
+    EXPECT_EQ(SlotOf(&DecoderFactory::CreateVideoSampleReader), 2);
+    EXPECT_EQ(SlotOf(&AudioMediaReaderFactory::Create_AudioMediaReader), 2);
+}
+
+TEST(OperationOrder, IDSChain) {
+    EXPECT_EQ(SlotOf(&IDSChain::IsInitialized), 0);
+    EXPECT_EQ(SlotOf(&IDSChain::Uninitialize), 1);
+    EXPECT_EQ(SlotOf(&IDSChain::Initialize), 2);
+    EXPECT_EQ(SlotOf(&IDSChain::InitializeAsync), 3);
+    EXPECT_EQ(SlotOf(&IDSChain::FindSample), 4);
+    EXPECT_EQ(SlotOf(&IDSChain::ReadAudioFloat), 5);
+    EXPECT_EQ(SlotOf(&IDSChain::GetWidth), 6);
+    EXPECT_EQ(SlotOf(&IDSChain::GetHeight), 7);
+    EXPECT_EQ(SlotOf(&IDSChain::SetMaxSteps), 8);
+}
+
+// A platform's interface begins with the three of IUnknown and has no destructor in its table.
+TEST(OperationOrder, IMFDXGIDeviceManager) {
+    EXPECT_EQ(SlotOf(&IMFDXGIDeviceManager::QueryInterface), 0);
+    EXPECT_EQ(SlotOf(&IMFDXGIDeviceManager::AddRef), 1);
+    EXPECT_EQ(SlotOf(&IMFDXGIDeviceManager::Release), 2);
+    EXPECT_EQ(SlotOf(&IMFDXGIDeviceManager::CloseDeviceHandle), 3);
+    EXPECT_EQ(SlotOf(&IMFDXGIDeviceManager::GetVideoService), 4);
+    EXPECT_EQ(SlotOf(&IMFDXGIDeviceManager::LockDevice), 5);
+    EXPECT_EQ(SlotOf(&IMFDXGIDeviceManager::OpenDeviceHandle), 6);
+    EXPECT_EQ(SlotOf(&IMFDXGIDeviceManager::ResetDevice), 7);
+    EXPECT_EQ(SlotOf(&IMFDXGIDeviceManager::TestDevice), 8);
+    EXPECT_EQ(SlotOf(&IMFDXGIDeviceManager::UnlockDevice), 9);
+}
+
 TEST(OperationOrder, AllCanBeDeletedThroughTheirInterface) {
     static_assert(std::has_virtual_destructor_v<VideoSample>);
     static_assert(std::has_virtual_destructor_v<VideoDecoder>);
     static_assert(std::has_virtual_destructor_v<VideoSampleReader>);
     static_assert(std::has_virtual_destructor_v<IAudioReader>);
+    static_assert(std::has_virtual_destructor_v<DecoderFactory>);
+    static_assert(std::has_virtual_destructor_v<VideoSampleReaderCache>);
+    static_assert(std::has_virtual_destructor_v<AudioMediaReaderFactory>);
+    static_assert(std::has_virtual_destructor_v<IDSChain>);
 }
 
 } // namespace

@@ -42,8 +42,10 @@ std::int64_t AudioPipeline::fill(Buffer& request) {
     if (m_outputRate <= 0) {
         return 0; // there are no positions to count
     }
-    // Outputs lean on inputs to either side; those before the first one must be sound too.
-    m_neededFrom = ScalePosition(request.start, m_inputRate, m_outputRate) - filterReach();
+    // Outputs lean on inputs to either side; those before the first one must be sound too. Before
+    // the file's start there are none.
+    const std::int64_t first = std::max(request.start, std::int64_t{0});
+    m_neededFrom = ScalePosition(first, m_inputRate, m_outputRate) - filterReach();
     std::int64_t backoff = ScalePosition(preRoll(), m_outputRate, m_inputRate);
     while (!fillFrom(backoff, request)) {
         backoff *= 2;

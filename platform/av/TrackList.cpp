@@ -1,0 +1,91 @@
+#include "platform/av/TrackList.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "platform/av/Handles.h"
+#include "platform/av/OpenInput.h"
+
+extern "C" {
+#include <libavutil/mathematics.h>
+}
+
+namespace av {
+
+namespace {
+
+// MPEG-4 part 2 and H.263 come without a size: the header's is not trusted for them, so a picture
+// has to be looked at. Where none can be decoded the size stays unknown, which is what it is.
+void CompleteSizes(AVFormatContext& context) {
+    const auto lacksSize = [](const AVStream* stream) {
+        return stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO && stream->codecpar->width <= 0;
+    };
+    if (std::any_of(context.streams, context.streams + context.nb_streams, lacksSize) &&
+        avformat_find_stream_info(&context, nullptr) < 0) {
+        av_log(&context, AV_LOG_VERBOSE, "no picture tells its size\n");
+    }
+}
+
+// Fragments are found one behind the other. With every track discarded a read finds no sample to
+// hand out, so it goes through all of them and leaves their samples in the index.
+void VisitFragments(AVFormatContext& context) {
+    for (unsigned int i = 0; i < context.nb_streams; ++i) {
+        context.streams[i]->discard = AVDISCARD_ALL;
+    }
+    const PacketPtr packet(av_packet_alloc());
+    while (packet != nullptr && av_read_frame(&context, packet.get()) >= 0) {
+        av_packet_unref(packet.get());
+    }
+}
+
+std::uint32_t Positive(int size) {
+    return size > 0 ? static_cast<std::uint32_t>(size) : 0;
+}
+
+// The header counts the samples outside fragments, the index also those inside; but an edit list
+// leaves some out of the index.
+std::uint64_t CountSamples(const AVStream& stream) {
+    const std::int64_t indexed = avformat_index_get_entries_count(&stream);
+    return static_cast<std::uint64_t>(std::max({stream.nb_frames, indexed, std::int64_t{0}}));
+}
+
+Track DescribeTrack(const AVStream& stream) {
+    Track track;
+    track.kind = KindOf(stream);
+    track.codec = CodecOf(stream);
+    track.width = Positive(stream.codecpar->width);
+    track.height = Positive(stream.codecpar->height);
+    track.samples = CountSamples(stream);
+    // A track's time base is one over its time scale in this family of files.
+    track.duration = std::max(stream.duration, std::int64_t{0});
+    track.unitsPerSecond = std::max(stream.time_base.den, 1);
+    return track;
+}
+
+} // namespace
+
+std::uint64_t Track::FramesAt(int rate) const {
+    if (rate <= 0) {
+        return 0;
+    }
+    const std::int64_t frames = av_rescale_rnd(duration, rate, unitsPerSecond, AV_ROUND_UP);
+    return frames > 0 ? static_cast<std::uint64_t>(frames) : 0; // negative: beyond 64 bits
+}
+
+std::optional<std::vector<Track>> ReadTrackList(const std::string& path) {
+    const FormatContextPtr context = OpenMp4(path, EditLists::Applied);
+    if (context == nullptr) {
+        return std::nullopt;
+    }
+    CompleteSizes(*context);
+    VisitFragments(*context);
+    std::vector<Track> tracks;
+    for (unsigned int i = 0; i < context->nb_streams; ++i) {
+        if (!IsCover(*context->streams[i])) {
+            tracks.push_back(DescribeTrack(*context->streams[i]));
+        }
+    }
+    return tracks;
+}
+
+} // namespace av

@@ -1,0 +1,53 @@
+// One track of a recording.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace BREC {
+
+// What a track holds, as type() answers it.
+enum TrackType : int {
+    VideoTrack = 0,
+    AudioTrack = 1,
+    OtherTrack = 2,
+};
+
+// Belongs to the reader that gave it out and lives independently of it.
+//
+// Thread-safety: none; one track serves one thread at a time.
+class MP4TrackReader {
+public:
+    MP4TrackReader() = default;
+    MP4TrackReader(const MP4TrackReader&) = delete;
+    MP4TrackReader& operator=(const MP4TrackReader&) = delete;
+    virtual ~MP4TrackReader() = default;
+
+    // A TrackType.
+    virtual int type() const = 0;
+
+    // The four characters of the codec, such as "avc1" or "bsc2".
+    virtual std::string codec() const = 0;
+
+    // Size of the coded pictures in pixels; 0 for a track without pictures.
+    virtual std::uint32_t width() const = 0;
+    virtual std::uint32_t height() const = 0;
+
+    // Length in frames: pictures of a video track; of an audio track sample frames at the rate of
+    // the format that the reader was made with, counting every frame that begins inside the track.
+    virtual std::uint64_t lengthInFrames() const = 0;
+
+    // Writes the sample frames [startFrame, startFrame + frameCount) to `buffer` in the reader's
+    // format and answers how many were written. 0 where the track gives no sound.
+    virtual unsigned int fillAudioBuffer(std::uint64_t startFrame, unsigned int frameCount,
+                                         unsigned char* buffer) = 0;
+
+    // Writes the picture shown at `seconds` to `buffer` as 32-bit pixels, top row first, and the
+    // second at which it begins to *outTime. previousTime is the outTime of the call before, in
+    // seconds; the two numbers behind it are 0. False where the track gives no picture: buffer and
+    // *outTime are untouched.
+    virtual bool decodeFrameAtTime(double seconds, unsigned char* buffer, unsigned int byteCount,
+                                   double* outTime, double previousTime, double, double) = 0;
+};
+
+} // namespace BREC

@@ -1,0 +1,46 @@
+// The tables of MP4 and QuickTime files. Stands for mp4v2/mp4v2.h, and is that header where the
+// library was built with libmp4v2.
+//
+//     MP4FileHandle file = MP4Read(path);
+//     if (file != MP4_INVALID_FILE_HANDLE)
+//         ... MP4FindTrackId(file, 0, MP4_AUDIO_TRACK_TYPE, 0) ... MP4Close(file, 0);
+#pragma once
+
+#ifdef ZANTHE_INSTALLED_MP4V2
+
+#include <mp4v2/mp4v2.h>
+
+#else
+
+#include <cstdint>
+
+using MP4FileHandle = void*;
+using MP4TrackId = std::uint32_t;
+
+inline constexpr MP4FileHandle MP4_INVALID_FILE_HANDLE = nullptr;
+inline constexpr MP4TrackId MP4_INVALID_TRACK_ID = 0;
+
+inline constexpr const char* MP4_AUDIO_TRACK_TYPE = "soun";
+inline constexpr const char* MP4_VIDEO_TRACK_TYPE = "vide";
+
+// Thread-safety: safe from any thread; one handle serves one thread at a time.
+
+// A handle on the file at `path` (UTF-8, found as it stands), the caller's to give to MP4Close.
+// MP4_INVALID_FILE_HANDLE when it cannot be read or is no file of this family.
+MP4FileHandle MP4Read(const char* path);
+
+// The id of the track that is number `index`, from 0, among those of `type`, one of the two above;
+// null counts all tracks. MP4_INVALID_TRACK_ID when there are not so many. subType would narrow the
+// search to one coding; only 0, any coding, is offered, and finds no track otherwise.
+MP4TrackId MP4FindTrackId(MP4FileHandle file, std::uint16_t index, const char* type,
+                          std::uint8_t subType);
+
+// Whether the track has the atom `atomPath`, named from within its "trak". Offered for one atom
+// below "mdia.minf.stbl.stsd", the first sample description: "mdia.minf.stbl.stsd.mp4a". False for
+// any other path, and where there is no such track.
+bool MP4HaveTrackAtom(MP4FileHandle file, MP4TrackId track, const char* atomPath);
+
+// Ends the handle. flags play no part for a file that was only read.
+void MP4Close(MP4FileHandle file, std::uint32_t flags);
+
+#endif

@@ -1,0 +1,105 @@
+#include "zanthe/audio/AudioMediaReaderFactory.h"
+
+#include <filesystem>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "platform/win32/Version.h"
+#include "tests/support/StereoSound.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestMedia.h"
+#include "zanthe/audio/BRECLibAudioMediaReader.h"
+#include "zanthe/audio/ffmpeg/FFMPEGAudioReader.h"
+#include "zanthe/core/TextException.h"
+
+namespace Zanthe {
+namespace {
+
+boost::shared_ptr<IAudioReader> Create(const std::string& path, bool recontainer = false,
+                                       int trackIndex = 0, int sampleRate = 48000) {
+    return AudioMediaReaderFactory(path, trackIndex, sampleRate)
+        .Create_AudioMediaReader(recontainer);
+}
+
+// The text of the plain exception that `path` ends in; a std::runtime_error is not caught.
+std::string PlainFailureOf(const std::string& path) {
+    try {
+        Create(path);
+    } catch (const TextException& error) {
+        return error.what();
+    }
+    return "nothing thrown";
+}
+
+constexpr const char* NoMediaFoundation = "Failed to create MediaFoundation resource";
+constexpr const char* NoChain = "Failed to create DSAudioChain";
+
+TEST(AudioMediaReaderFactory, AnMp3IsReadToItsEnd) {
+    const std::string path = MadeMedia("tone-44100-stereo-vbr.mp3");
+    const auto reader = Create(path);
+    ASSERT_NE(reader, nullptr);
+    const StereoSound sound = ReadWhole(*reader);
+    EXPECT_GT(sound.Frames(), 0U);
+    EXPECT_TRUE(sound == ReadWhole(*FFMPEGAudioReader::Create(path, -1, 48000)));
+}
+
+TEST(AudioMediaReaderFactory, AnMp3InCapitalsAndWithAnyTrack) {
+    const TemporaryFolder folder;
+    const std::string path =
+        folder.Write("A.MP3", ReadWholeFile(MadeMedia("tone-44100-stereo-vbr.mp3")));
+    EXPECT_NE(dynamic_cast<FFMPEGAudioReader*>(Create(path, true, 7).get()), nullptr);
+}
+
+TEST(AudioMediaReaderFactory, AFactoryCanBeUsedAgain) {
+    AudioMediaReaderFactory factory(MadeMedia("tone-44100-stereo-vbr.mp3"), 0, 44100);
+    const auto first = factory.Create_AudioMediaReader(false);
+    const auto second = factory.Create_AudioMediaReader(true);
+    EXPECT_NE(first, second);
+    EXPECT_TRUE(ReadSpan(*first, 100, 500) == ReadSpan(*second, 100, 500));
+}
+
+TEST(AudioMediaReaderFactory, AnMp3ThatCannotBeOpenedThrowsItsReadersText) {
+    const TemporaryFolder folder;
+    try {
+        Create(folder / "none.mp3");
+        FAIL();
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "PacketReader() - m_formatContext->openInput failed");
+    }
+}
+
+TEST(AudioMediaReaderFactory, RecordingsInAnyCase) {
+    const TemporaryFolder folder;
+    for (const char* name : {"none.brec", "NONE.BREC"}) {
+        const auto reader = Create(folder / name);
+        EXPECT_NE(dynamic_cast<BRECLibAudioMediaReader*>(reader.get()), nullptr) << name;
+    }
+}
+
+TEST(AudioMediaReaderFactory, MediaFoundationThatFailsThrowsAPlainException) {
+    EXPECT_EQ(PlainFailureOf("none.wav"), NoMediaFoundation);
+    EXPECT_EQ(PlainFailureOf("none.mp4"), NoMediaFoundation);
+    EXPECT_EQ(PlainFailureOf("none.mts"), NoMediaFoundation);
+}
+
+TEST(AudioMediaReaderFactory, DirectShowThatFailsThrowsAPlainException) {
+    EXPECT_EQ(PlainFailureOf("none.avi"), NoChain);
+    EXPECT_EQ(PlainFailureOf("none"), NoChain);
+}
+
+TEST(AudioMediaReaderFactory, TheSystemsVersionDecides) {
+    win32::SetSystemVersion({6, 1, 0});
+    EXPECT_EQ(PlainFailureOf("none.mts"), NoChain);
+    EXPECT_EQ(PlainFailureOf("none.mp4"), NoMediaFoundation);
+    win32::SetSystemVersion({});
+}
+
+TEST(AudioMediaReaderFactory, RecontaineringIsForAacInMp4Alone) {
+    EXPECT_THROW(Create(MadeMedia("audio-select/aac.mp4"), true), std::runtime_error);
+    EXPECT_THROW(Create(MadeMedia("audio-select/aac.mp4"), false), TextException);
+    EXPECT_THROW(Create(MadeMedia("audio-select/ac3.mp4"), true), TextException);
+}
+
+} // namespace
+} // namespace Zanthe

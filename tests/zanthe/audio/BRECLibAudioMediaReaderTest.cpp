@@ -1,0 +1,190 @@
+#include "zanthe/audio/BRECLibAudioMediaReader.h"
+
+#include <cstring>
+#include <limits>
+#include <memory>
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/brec/MP4TrackReader.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestMedia.h"
+
+using testing::Each;
+using testing::ElementsAre;
+
+namespace Zanthe {
+namespace {
+
+// A track whose frame n is the pair (n, -n), and which remembers what it was asked.
+class ScriptedTrack : public BREC::MP4TrackReader {
+public:
+    std::uint64_t length = 100;
+    unsigned int mostFrames = std::numeric_limits<unsigned int>::max(); // delivered by one call
+    unsigned int boast = 0; // added to the answer, without a frame behind it
+    std::vector<std::pair<std::uint64_t, unsigned int>> calls;
+    std::vector<const unsigned char*> buffers;
+
+    // BREC::MP4TrackReader
+    int type() const override { return BREC::AudioTrack; }
+
+    std::string codec() const override { return "sowt"; }
+
+    std::uint32_t width() const override { return 0; }
+
+    std::uint32_t height() const override { return 0; }
+
+    std::uint64_t lengthInFrames() const override { return length; }
+
+    unsigned int fillAudioBuffer(std::uint64_t startFrame, unsigned int frameCount,
+                                 unsigned char* buffer) override {
+        calls.emplace_back(startFrame, frameCount);
+        buffers.push_back(buffer);
+        const unsigned int frames = std::min(frameCount, mostFrames);
+        for (unsigned int i = 0; i < frames; ++i) {
+            const auto value = static_cast<std::int16_t>(startFrame + i);
+            const std::int16_t pair[2] = {value, static_cast<std::int16_t>(-value)};
+            std::memcpy(buffer + i * sizeof(pair), pair, sizeof(pair));
+        }
+        return frames + boast;
+    }
+
+    bool decodeFrameAtTime(double, unsigned char*, unsigned int, double*, double, double,
+                           double) override {
+        return false;
+    }
+};
+
+constexpr float Untouched = 9.0F;
+
+class BrecReads : public testing::Test {
+protected:
+    unsigned int Read(std::int64_t startFrame, unsigned int frameCount) {
+        std::vector<float*> channels{left.data(), right.data()};
+        return m_reader.FillAudioBuffer(startFrame, frameCount, channels);
+    }
+
+    boost::shared_ptr<ScriptedTrack> m_track = boost::make_shared<ScriptedTrack>();
+    BRECLibAudioMediaReader m_reader{m_track};
+    std::vector<float> left = std::vector<float>(8, Untouched);
+    std::vector<float> right = std::vector<float>(8, Untouched);
+};
+
+TEST_F(BrecReads, SamplesAreSeparatedAndScaled) {
+    EXPECT_EQ(Read(10, 3), 3U);
+    EXPECT_THAT(m_track->calls, ElementsAre(std::pair(10U, 3U)));
+    EXPECT_EQ(left[0], 10 * 3.0517578e-05F);
+    EXPECT_EQ(left[2], 12 * 3.0517578e-05F);
+    EXPECT_EQ(right[0], -10 * 3.0517578e-05F);
+    EXPECT_EQ(right[2], -12 * 3.0517578e-05F);
+    EXPECT_EQ(left[3], Untouched);
+    EXPECT_EQ(right[3], Untouched);
+}
+
+TEST_F(BrecReads, FullScaleIsOne) {
+    m_track->length = 40000;
+    EXPECT_EQ(Read(32767, 2), 2U);
+    EXPECT_EQ(left[0], 32767.0F / 32768.0F);
+    EXPECT_EQ(left[1], -1.0F);
+}
+
+TEST_F(BrecReads, AReadAtTheEndGivesNothing) {
+    EXPECT_EQ(Read(100, 1), 0U);
+    EXPECT_EQ(Read(101, 1), 0U);
+    EXPECT_EQ(Read(std::numeric_limits<std::int64_t>::max(), 8), 0U);
+    EXPECT_TRUE(m_track->calls.empty());
+    EXPECT_THAT(left, Each(Untouched));
+}
+
+TEST_F(BrecReads, ANegativeStartGivesNothing) {
+    EXPECT_EQ(Read(-1, 4), 0U);
+    EXPECT_EQ(Read(std::numeric_limits<std::int64_t>::min(), 4), 0U);
+    EXPECT_TRUE(m_track->calls.empty());
+}
+
+TEST_F(BrecReads, AReadPastTheEndIsShortened) {
+    EXPECT_EQ(Read(97, 8), 3U);
+    EXPECT_THAT(m_track->calls, ElementsAre(std::pair(97U, 3U)));
+    EXPECT_EQ(left[2], 99 * 3.0517578e-05F);
+    EXPECT_EQ(left[3], Untouched);
+    EXPECT_EQ(right[7], Untouched);
+}
+
+TEST_F(BrecReads, TheLastFrameAlone) {
+    EXPECT_EQ(Read(99, 8), 1U);
+    EXPECT_EQ(Read(99, 1), 1U);
+}
+
+TEST_F(BrecReads, OnlyTwoChannelsAreServed) {
+    for (const std::size_t count : {0, 1, 3}) {
+        std::vector<float*> channels(count, left.data());
+        EXPECT_EQ(m_reader.FillAudioBuffer(0, 4, channels), 0U) << count;
+    }
+    EXPECT_TRUE(m_track->calls.empty());
+    EXPECT_THAT(left, Each(Untouched));
+}
+
+TEST_F(BrecReads, TheTracksOwnCountIsTheAnswer) {
+    m_track->mostFrames = 2;
+    EXPECT_EQ(Read(0, 5), 2U);
+    EXPECT_EQ(left[2], Untouched);
+    m_track->mostFrames = 0;
+    EXPECT_EQ(Read(0, 5), 0U);
+}
+
+TEST_F(BrecReads, NoMoreIsBelievedThanWasAskedFor) {
+    m_track->boast = 1000;
+    EXPECT_EQ(Read(0, 4), 4U);
+    EXPECT_EQ(left[4], Untouched);
+    EXPECT_EQ(right[4], Untouched);
+}
+
+TEST_F(BrecReads, ShorterReadsUseTheSameScratch) {
+    Read(0, 8);
+    Read(20, 8);
+    Read(50, 1);
+    Read(30, 5);
+    EXPECT_THAT(m_track->buffers, Each(m_track->buffers.front()));
+}
+
+TEST_F(BrecReads, AReadOfNothing) {
+    EXPECT_EQ(Read(0, 0), 0U);
+    EXPECT_THAT(left, Each(Untouched));
+}
+
+unsigned int FramesOf(IAudioReader& reader) {
+    std::vector<float> left(16), right(16);
+    std::vector<float*> channels{left.data(), right.data()};
+    return reader.FillAudioBuffer(0, 16, channels);
+}
+
+TEST(BRECLibAudioMediaReader, ARecordingThatCannotBeOpenedGivesNothing) {
+    const TemporaryFolder folder;
+    BRECLibAudioMediaReader missing(folder / "none.brec", 0);
+    EXPECT_EQ(FramesOf(missing), 0U);
+    BRECLibAudioMediaReader text(folder.Write("text.brec", "no recording"), 0);
+    EXPECT_EQ(FramesOf(text), 0U);
+}
+
+TEST(BRECLibAudioMediaReader, ATrackThatIsNotThereGivesNothing) {
+    const std::string path = MadeMedia("audio-select/sound.brec");
+    for (const int track : {-1, 2, std::numeric_limits<int>::min(), 1000}) {
+        BRECLibAudioMediaReader reader(path, track);
+        EXPECT_EQ(FramesOf(reader), 0U) << track;
+    }
+}
+
+TEST(BRECLibAudioMediaReader, ARecordingsTracksGiveNoSoundYetAndSaySo) {
+    BRECLibAudioMediaReader reader(MadeMedia("audio-select/sound.brec"), 0);
+    EXPECT_EQ(FramesOf(reader), 0U);
+}
+
+TEST(BRECLibAudioMediaReader, WithoutATrackItGivesNothing) {
+    BRECLibAudioMediaReader reader(boost::shared_ptr<BREC::MP4TrackReader>{});
+    EXPECT_EQ(FramesOf(reader), 0U);
+}
+
+} // namespace
+} // namespace Zanthe

@@ -1,0 +1,80 @@
+// What a host gets for the files whose backends this build lacks: the failures of those backends.
+#include "zanthe/core/DecoderFactory.h"
+
+#include <memory>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/TemporaryFolder.h"
+#include "zanthe/core/TextException.h"
+
+namespace Zanthe {
+namespace {
+
+std::unique_ptr<VideoSampleReader> Open(const std::string& path, bool useMediaFoundation = true) {
+    const std::unique_ptr<DecoderFactory> factory(
+        DecoderFactory::Create(DecoderOutputFormat::DeviceArgb32, nullptr, useMediaFoundation));
+    return std::unique_ptr<VideoSampleReader>(factory->CreateVideoSampleReader(path, 0, false));
+}
+
+// The text that DirectShow throws for `path`, which is no exception object.
+std::string GraphFailureOf(const std::string& path, bool useMediaFoundation = true) {
+    try {
+        Open(path, useMediaFoundation);
+    } catch (const char* text) {
+        return text;
+    }
+    return "nothing thrown";
+}
+
+constexpr const char* NoGraph = "Could not get the MediaControl interface from the FilterGraph";
+
+TEST(DecoderFactory, AFileOfTheH264ReaderIsNull) {
+    EXPECT_EQ(Open("none.mp4"), nullptr);
+    EXPECT_EQ(Open("none.mov"), nullptr);
+    const std::unique_ptr<DecoderFactory> factory(DecoderFactory::Create());
+    EXPECT_EQ(factory->CreateVideoSampleReader("none.mp4", 0, true), nullptr);
+}
+
+TEST(DecoderFactory, AFileWithoutAGraphThrowsItsBareText) {
+    EXPECT_EQ(GraphFailureOf("none.avi"), NoGraph);
+    EXPECT_EQ(GraphFailureOf("none"), NoGraph);
+    EXPECT_EQ(GraphFailureOf("none.mp4", false), NoGraph);
+}
+
+TEST(DecoderFactory, AGifThatCannotBeReadThrows) {
+    const TemporaryFolder folder;
+    try {
+        Open(folder.Write("text.gif", "no GIF"));
+        FAIL();
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "Can't create WICAnimatedGIFReader");
+    }
+}
+
+TEST(DecoderFactory, ALegacyRecordingThatIsNoStorageThrowsAPlainException) {
+    const TemporaryFolder folder;
+    try {
+        Open(folder.Write("text.orirec", "no compound file") + "!Screen_Stream.avi");
+        FAIL();
+    } catch (const TextException& error) {
+        EXPECT_STREQ(error.what(),
+                     "OrirecScreenVideoDecoder - orirec is not a structured-storage file!");
+    }
+}
+
+TEST(DecoderFactory, ARecordingThatCannotBeReadHasNoPixels) {
+    const TemporaryFolder folder;
+    const auto reader = Open(folder.Write("text.brec", "no recording"));
+    ASSERT_NE(reader, nullptr);
+    EXPECT_EQ(reader->outputWidth(), 0);
+    EXPECT_EQ(reader->outputHeight(), 0);
+    const std::unique_ptr<VideoSample> sample(
+        reader->readVideoSample(MediaTime(1), {}, VideoSampleReaderFlags::None));
+    ASSERT_NE(sample, nullptr);
+    EXPECT_EQ(sample->dataSize(), 0);
+}
+
+} // namespace
+} // namespace Zanthe

@@ -1,0 +1,156 @@
+#include <array>
+#include <atomic>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "zanthe/core/VideoSampleReaderCache.h"
+
+namespace Zanthe {
+namespace {
+
+constexpr int Threads = 4;
+constexpr int Rounds = 400;
+const std::array<std::string, 3> Paths{"a.mp4", "b.mp4", "c.mov"};
+
+class CountedReader : public VideoSampleReader {
+public:
+    explicit CountedReader(std::atomic<int>& living)
+        : m_living(living) {
+        ++m_living;
+    }
+
+    ~CountedReader() override { --m_living; }
+
+    // VideoSampleReader
+    int outputWidth() const override { return 4; }
+
+    int outputHeight() const override { return 2; }
+
+    VideoSample* readVideoSample(MediaTime, std::function<void(unsigned char*, int)>,
+                                 VideoSampleReaderFlags) override {
+        return nullptr;
+    }
+
+    bool requiresFlagSometimesToActuallyGetSamples() override { return false; }
+
+    bool requiresMediaOrientationTransformation() override { return false; }
+
+private:
+    std::atomic<int>& m_living;
+};
+
+// Its count is a plain integer on purpose: only the pool's lock guards it.
+class UnguardedFactory : public DecoderFactory {
+public:
+    int created = 0;
+    bool inside = false;
+    bool overlapped = false;
+    std::atomic<int> living = 0;
+
+    // DecoderFactory
+    VideoSampleReader* CreateVideoSampleReader(const std::string& path, int, bool) override {
+        overlapped = overlapped || inside;
+        inside = true;
+        std::this_thread::yield();
+        inside = false;
+        if (path == "broken.mp4") {
+            throw std::runtime_error("cannot open");
+        }
+        ++created;
+        return new CountedReader(living);
+    }
+};
+
+// Runs `work` with the numbers 0 to Threads - 1, all at once.
+template <typename Work>
+void OnAllThreads(Work work) {
+    std::vector<std::jthread> threads;
+    threads.reserve(Threads);
+    for (int thread = 0; thread < Threads; ++thread) {
+        threads.emplace_back([&work, thread] { work(thread); });
+    }
+}
+
+bool IsPooled(VideoSampleReaderCache& cache, const std::string& path) {
+    try {
+        cache.ReleaseDecoder(path, 0);
+        return true;
+    } catch (const std::runtime_error&) {
+        return false;
+    }
+}
+
+TEST(VideoSampleReaderCacheThreads, AFileIsOpenedOnceForAll) {
+    UnguardedFactory factory;
+    VideoSampleReaderCache cache(&factory);
+    std::array<boost::shared_ptr<VideoSampleReader>, Threads> readers;
+    OnAllThreads([&](int thread) {
+        readers[static_cast<std::size_t>(thread)] = cache.AcquireDecoder(Paths[0], 0, false);
+    });
+    for (const auto& reader : readers) {
+        EXPECT_EQ(reader, readers[0]);
+    }
+    EXPECT_EQ(factory.created, 1);
+    for (int thread = 0; thread < Threads; ++thread) {
+        cache.ReleaseDecoder(Paths[0], 0);
+    }
+    EXPECT_FALSE(IsPooled(cache, Paths[0]));
+}
+
+TEST(VideoSampleReaderCacheThreads, EveryAcquireIsMatchedByItsRelease) {
+    UnguardedFactory factory;
+    VideoSampleReaderCache cache(&factory);
+    OnAllThreads([&](int thread) {
+        for (int round = 0; round < Rounds; ++round) {
+            const std::string& path = Paths[static_cast<std::size_t>(thread + round) % 3];
+            const auto reader = cache.AcquireDecoder(path, 0, false);
+            EXPECT_EQ(reader->outputWidth(), 4);
+            cache.ReleaseDecoder(path, 0);
+        }
+    });
+    EXPECT_FALSE(factory.overlapped);
+    EXPECT_EQ(factory.living, 0);
+    for (const std::string& path : Paths) {
+        EXPECT_FALSE(IsPooled(cache, path)) << path;
+    }
+}
+
+// Whoever keeps one reference in the pool keeps everybody on the same reader.
+TEST(VideoSampleReaderCacheThreads, AHeldReaderStaysTheSame) {
+    UnguardedFactory factory;
+    VideoSampleReaderCache cache(&factory);
+    const auto held = cache.AcquireDecoder(Paths[0], 0, false);
+    OnAllThreads([&](int) {
+        for (int round = 0; round < Rounds; ++round) {
+            EXPECT_EQ(cache.AcquireDecoder(Paths[0], 0, true), held);
+            cache.ReleaseDecoder(Paths[0], 0);
+        }
+    });
+    EXPECT_EQ(factory.created, 1);
+    EXPECT_TRUE(IsPooled(cache, Paths[0]));
+    EXPECT_FALSE(IsPooled(cache, Paths[0]));
+}
+
+TEST(VideoSampleReaderCacheThreads, AFailureToOpenLetsGoOfTheLock) {
+    UnguardedFactory factory;
+    VideoSampleReaderCache cache(&factory);
+    OnAllThreads([&](int thread) {
+        for (int round = 0; round < Rounds; ++round) {
+            if (thread % 2 == 0) {
+                EXPECT_THROW(cache.AcquireDecoder("broken.mp4", 0, false), std::runtime_error);
+                EXPECT_THROW(cache.ReleaseDecoder("broken.mp4", 0), std::runtime_error);
+            } else {
+                cache.AcquireDecoder(Paths[0], 0, false);
+                cache.ReleaseDecoder(Paths[0], 0);
+            }
+        }
+    });
+    EXPECT_EQ(factory.living, 0);
+    EXPECT_FALSE(IsPooled(cache, "broken.mp4"));
+}
+
+} // namespace
+} // namespace Zanthe

@@ -1,0 +1,136 @@
+#include "zanthe/analysis/MP4ParserBase.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "zanthe/analysis/MP4ParseException.h"
+
+MP4ParserBase::MP4ParserBase(std::unique_ptr<IStreamReader> reader)
+    : m_reader(std::move(reader)) {}
+
+void MP4ParserBase::Parse(const std::wstring& path) {
+    m_depth = 0;
+    m_boxStack.clear();
+    m_headersRead = 0;
+    m_reader->Open(path);
+    m_fileSize = m_reader->GetSize();
+    ParseChildren(m_fileSize);
+}
+
+std::string MP4ParserBase::GetIndent() {
+    return std::string(static_cast<std::size_t>(m_depth) * 2, ' ');
+}
+
+bool MP4ParserBase::IsContainer(const std::string& type) {
+    constexpr std::string_view containers[] = {"moov", "trak", "mdia", "minf", "stbl", "BSCM"};
+    return std::find(std::begin(containers), std::end(containers), type) != std::end(containers);
+}
+
+void MP4ParserBase::OnBoxBegin(const MP4BoxHeader&) {}
+
+void MP4ParserBase::OnBoxEnd(const MP4BoxHeader&) {}
+
+void MP4ParserBase::OnLeafBox(const MP4BoxHeader&) {}
+
+void MP4ParserBase::ParseBox(const MP4BoxHeader& header) {
+    if (m_depth >= MaxOpenBoxes) {
+        throw MP4ParseException();
+    }
+    ++m_depth;
+    m_boxStack.push_back(header);
+    OnBoxBegin(header);
+    if (IsContainer(header.type)) {
+        ParseChildren(header.End());
+    } else {
+        OnLeafBox(header);
+    }
+    OnBoxEnd(header);
+    m_boxStack.pop_back();
+    --m_depth;
+}
+
+void MP4ParserBase::ParseChildren(std::uint64_t endOffset) {
+    while (m_reader->GetPosition() < endOffset) {
+        const MP4BoxHeader header = ReadBoxHeader();
+        ParseBox(header);
+        // Wherever the callbacks have left the position: they may stop reading anywhere.
+        m_reader->Seek(header.End());
+    }
+}
+
+MP4BoxHeader MP4ParserBase::ReadBoxHeader() {
+    if (++m_headersRead > m_fileSize) {
+        throw MP4ParseException();
+    }
+    MP4BoxHeader header;
+    header.offset = m_reader->GetPosition();
+    header.size = ReadInteger<std::uint32_t>();
+    header.type = ReadFourCharacters();
+    if (header.size == 1) {
+        header.size = ReadInteger<std::uint64_t>();
+    } else if (header.size == 0) {
+        header.size = m_fileSize - header.offset;
+    }
+    header.headerSize = m_reader->GetPosition() - header.offset;
+    if (header.End() <= header.offset) {
+        throw MP4ParseException();
+    }
+    return header;
+}
+
+MP4BoxHeader MP4ParserBase::ParentBox() const {
+    return m_boxStack.size() < 3 ? MP4BoxHeader{} : m_boxStack[m_boxStack.size() - 2];
+}
+
+std::vector<std::uint8_t> MP4ParserBase::ReadBytes(std::uint64_t count) {
+    RequireRemaining(count);
+    std::vector<std::uint8_t> bytes(count);
+    m_reader->Read(bytes.data(), count);
+    return bytes;
+}
+
+std::int32_t MP4ParserBase::ReadFixedInteger() {
+    const std::vector<std::uint8_t> bytes = ReadBytes(4);
+    return bytes[0] << 8 | bytes[1];
+}
+
+std::string MP4ParserBase::ReadFourCharacters() {
+    const std::vector<std::uint8_t> bytes = ReadBytes(4);
+    return {bytes.begin(), bytes.end()};
+}
+
+MP4Matrix MP4ParserBase::ReadMatrix() {
+    std::array<std::int32_t, 9> elements;
+    for (std::int32_t& element : elements) {
+        element = ReadInteger<std::int32_t>();
+    }
+    return MatrixFromFile(elements);
+}
+
+void MP4ParserBase::Skip(std::uint64_t count) {
+    m_reader->Seek(m_reader->GetPosition() + count);
+}
+
+std::string MP4ParserBase::ReadHandlerType() {
+    constexpr std::uint64_t fixedFields = 24;
+    ReadInteger<std::uint32_t>(); // version and flags
+    ReadFourCharacters();         // component type
+    std::string type = ReadFourCharacters();
+    for (int reserved = 0; reserved < 3; ++reserved) {
+        ReadInteger<std::uint32_t>();
+    }
+    // Nobody uses the name, and it may claim any length: it has to be there, not in memory. In a
+    // box shorter than its fields the difference wraps round, to more than any file has.
+    const std::uint64_t nameSize = CurrentBox().size - fixedFields;
+    RequireRemaining(nameSize);
+    Skip(nameSize);
+    return type;
+}
+
+void MP4ParserBase::RequireRemaining(std::uint64_t count) {
+    const std::uint64_t position = m_reader->GetPosition();
+    if (position > m_fileSize || count > m_fileSize - position) {
+        throw MP4ParseException();
+    }
+}

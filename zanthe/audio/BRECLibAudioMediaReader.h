@@ -1,0 +1,48 @@
+// The sound of one track of a ".brec" recording.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <boost/shared_ptr.hpp>
+
+#include "zanthe/audio/IAudioReader.h"
+#include "zanthe/core/Export.h"
+
+namespace BREC {
+class MP4TrackReader;
+class Reader;
+} // namespace BREC
+
+namespace Zanthe {
+
+// Always two channels at 44100 Hz. A read that is no longer than those before allocates nothing.
+//
+// Thread-safety: none; one reader serves one thread at a time.
+class ZANTHE_API BRECLibAudioMediaReader : public IAudioReader {
+public:
+    // Over track trackIndex, counted from 0, of the recording at `path` (UTF-8). Where there is no
+    // such recording or no such track that is no failure: every read answers 0.
+    BRECLibAudioMediaReader(const std::string& path, int trackIndex);
+
+    // Over a track that is open already; empty is as no such track.
+    explicit BRECLibAudioMediaReader(boost::shared_ptr<BREC::MP4TrackReader> track);
+
+    ~BRECLibAudioMediaReader() override;
+
+    // IAudioReader
+    //
+    // 0 also for a negative startFrame, and where the track gives no sound.
+    unsigned int FillAudioBuffer(std::int64_t startFrame, unsigned int frameCount,
+                                 std::vector<float*>& channels) override;
+
+private:
+    std::string m_path;
+    boost::shared_ptr<BREC::Reader> m_reader;
+    boost::shared_ptr<BREC::MP4TrackReader> m_track; // empty: nothing to read
+    std::vector<unsigned char> m_scratch;            // interleaved 16-bit samples; only grows
+    int m_trackIndex = 0;
+};
+
+} // namespace Zanthe

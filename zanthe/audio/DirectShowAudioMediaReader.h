@@ -1,0 +1,41 @@
+// A file's sound through a DirectShow chain.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <boost/shared_ptr.hpp>
+
+#include "zanthe/audio/IAudioReader.h"
+#include "zanthe/core/Export.h"
+
+class IDSChain;
+
+namespace Zanthe {
+
+// Always 44100 Hz: a chain of sound knows no other rate.
+//
+// Thread-safety: none; one reader serves one thread at a time.
+class ZANTHE_API DirectShowAudioMediaReader : public IAudioReader {
+public:
+    // Over the file at `path` (UTF-8). Throws TextException "Failed to create DSAudioChain".
+    explicit DirectShowAudioMediaReader(const std::string& path);
+
+    // The same over a chain that is there; an empty one throws as above.
+    DirectShowAudioMediaReader(const std::string& path, boost::shared_ptr<IDSChain> chain);
+
+    ~DirectShowAudioMediaReader() override;
+
+    // IAudioReader
+    //
+    // 0 also for a startFrame so far from 0 that no time in 100 ns units can name it.
+    unsigned int FillAudioBuffer(std::int64_t startFrame, unsigned int frameCount,
+                                 std::vector<float*>& channels) override;
+
+private:
+    std::string m_path;
+    boost::shared_ptr<IDSChain> m_chain;
+};
+
+} // namespace Zanthe

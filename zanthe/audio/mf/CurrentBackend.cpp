@@ -1,0 +1,11 @@
+#include "zanthe/audio/mf/MediaFoundationBackends.h"
+
+namespace Zanthe {
+
+// There is no source reader in this build to initialise it on.
+boost::shared_ptr<IAudioReader> MediaFoundationBackends::CreateCurrent(const std::string&,
+                                                                       int) const {
+    return nullptr;
+}
+
+} // namespace Zanthe

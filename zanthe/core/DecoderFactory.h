@@ -1,0 +1,71 @@
+// The one question for a file's video.
+//
+//     std::unique_ptr<DecoderFactory> factory(DecoderFactory::Create());
+//     std::unique_ptr<VideoSampleReader> reader(
+//         factory->CreateVideoSampleReader("clip.mp4", 0, false));
+//     if (!reader) ... // the file's backend could not be made
+//
+// A host that shows one file in several places asks through VideoSampleReaderCache instead.
+#pragma once
+
+#include <string>
+
+#include "zanthe/core/DecoderOutputFormat.h"
+#include "zanthe/core/Export.h"
+#include "zanthe/core/VideoSampleReader.h"
+
+struct IMFDXGIDeviceManager;
+
+namespace Zanthe {
+
+// Hosts call through the order of these operations: it is settled, and new ones go to the end.
+//
+// Thread-safety: safe from any thread. The readers are not; see VideoSampleReader.
+class ZANTHE_API DecoderFactory {
+public:
+    // A factory as most hosts want it: DeviceArgb32, no device, Media Foundation allowed. It is the
+    // caller's, who ends it with delete; readers live on without it.
+    static DecoderFactory* Create();
+
+    // deviceManager: the host's graphics device or null. The factory takes over one reference from
+    // the caller and gives it back when it is destroyed; when this throws, the reference is still
+    // the caller's. useMediaFoundation: false keeps every file away from the H.264 reader.
+    static DecoderFactory* Create(DecoderOutputFormat format, IMFDXGIDeviceManager* deviceManager,
+                                  bool useMediaFoundation);
+
+    DecoderFactory() = default;
+    DecoderFactory(const DecoderFactory&) = delete;
+    DecoderFactory& operator=(const DecoderFactory&) = delete;
+    virtual ~DecoderFactory();
+
+    // A reader over one video stream of the file at `path` (UTF-8), which may name a member of a
+    // recording behind a "!". It is the caller's, who ends it with delete; null when the file goes
+    // to the H.264 reader and that cannot be made. No other backend is then tried.
+    //
+    // The first that fits decides. E is the text behind the last "." of the whole path, compared
+    // with no regard to case; nothing of the first four fits a path without a dot.
+    //
+    //     E is brec, or ".brec!" stands anywhere         recording
+    //     the member "Screen_Stream.avi" of a recording  screen recording of the older kind
+    //     E is mov, with PNG images as its pictures      QuickTime recording
+    //     E is gif                                       animated GIF
+    //     ShouldUseMediaFoundation and useMediaFoundation  H.264 reader
+    //     anything else                                  DirectShow
+    //
+    // streamIndex: the number of the stream among the file's own, where a backend looks at it.
+    // deferInitialization: for the DirectShow reader, which with false prepares its graph in the
+    // asynchronous manner and with true at once.
+    //
+    // Throws std::runtime_error:
+    //   "DecoderFactory::CreateVideoDecoder: Couldn't find a decoder to match extension = " and E
+    //        a member of a ".brec" recording, which has no decoder of its own
+    //   "Can't create WICAnimatedGIFReader"
+    // TextException:
+    //   "OrirecScreenVideoDecoder - orirec is not a structured-storage file!"
+    // a const char*, as the DirectShow side throws its texts:
+    //   "Could not get the MediaControl interface from the FilterGraph"   no graph for the file
+    virtual VideoSampleReader* CreateVideoSampleReader(const std::string& path, int streamIndex,
+                                                       bool deferInitialization) = 0;
+};
+
+} // namespace Zanthe

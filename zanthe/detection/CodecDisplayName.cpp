@@ -1,0 +1,96 @@
+#include "zanthe/detection/CodecDisplayName.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "platform/dshow/Uuids.h"
+
+namespace {
+
+struct Row {
+    GUID subtype;
+    const wchar_t* name;
+};
+
+// A four-character code, little-endian, or a WAVE_FORMAT tag, as a subtype.
+constexpr GUID Coded(std::uint32_t code) {
+    return {code, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71}};
+}
+
+constexpr GUID Coded(const char (&code)[5]) {
+    std::uint32_t number = 0;
+    for (int i = 3; i >= 0; --i) {
+        number = number << 8 | static_cast<std::uint8_t>(code[i]);
+    }
+    return Coded(number);
+}
+
+// Vendors' own subtypes for H.264.
+constexpr GUID H264ByteStream{
+    0x8D2D71CB, 0x243F, 0x45E3, {0xB2, 0xD8, 0x5F, 0xD7, 0x96, 0x7E, 0xC0, 0x9B}};
+constexpr GUID H264Nalu{
+    0x8D2D71CC, 0x243F, 0x45E3, {0xB2, 0xD8, 0x5F, 0xD7, 0x96, 0x7E, 0xC0, 0x9B}};
+constexpr GUID H264MainConcept{
+    0xF038FB38, 0x36B4, 0x4CE0, {0xAD, 0x08, 0x8E, 0xA7, 0xCB, 0x60, 0x11, 0x0F}};
+// One identifier for both: the major type tells the picture from the sound.
+constexpr GUID WindowsMedia{
+    0x3DB80F90, 0x9412, 0x11D1, {0xAD, 0xED, 0x00, 0x00, 0xF8, 0x75, 0x4B, 0x99}};
+
+// The first row wins. The one for H264 that names Microsoft is never reached, so that this codec
+// goes by its plain name; the order is what users are used to.
+constexpr std::array<Row, 14> VideoRows{{
+    {H264ByteStream, L"H.264"},
+    {Coded("H264"), L"H.264"},
+    {H264Nalu, L"H.264 ( NALU )"},
+    {Coded("AVC1"), L"H.264 ( AVC1 )"},
+    {Coded("avc1"), L"H.264 ( QuickTime )"},
+    {Coded("VSSH"), L"H.264 ( VSSH )"},
+    {H264MainConcept, L"H.264 ( MainConcept )"},
+    {Coded("H264"), L"H.264 ( Microsoft )"},
+    {Coded("X264"), L"H.264 ( X264 )"},
+    {WindowsMedia, L"Windows Media Video"},
+    {Coded("WMV3"), L"Windows Media Video"},
+    {Coded("WMV2"), L"Windows Media Video"},
+    {Coded("WMV1"), L"Windows Media Video"},
+    {Coded("HEVC"), L"H.265 ( Microsoft )"},
+}};
+
+constexpr std::array<Row, 14> AudioRows{{
+    {MEDIASUBTYPE_PCM, L"PCM"},
+    {Coded(0x00FF), L"AAC"},
+    {Coded(0x1610), L"AAC"},
+    {Coded(0x0180), L"AAC ( MPEG-2 )"},
+    {Coded(0xA106), L"AAC ( MPEG-4 )"},
+    {Coded(0x0278), L"AAC ( Sony )"},
+    {Coded("MP4A"), L"AAC ( Nero )"},
+    {Coded(0x4143), L"AAC ( Divio )"},
+    {Coded(0x01FF), L"AAC ( LATM )"},
+    {WindowsMedia, L"Windows Media Audio"},
+    {Coded(0x0162), L"Windows Media Audio"},
+    {Coded(0x0161), L"Windows Media Audio"},
+    {MEDIASUBTYPE_DOLBY_AC3, L"Dolby AC-3"},
+    {Coded(0x0055), L"MP3"},
+}};
+
+std::span<const Row> RowsFor(const GUID& majorType) {
+    if (majorType == MEDIATYPE_Video) {
+        return VideoRows;
+    }
+    return majorType == MEDIATYPE_Audio ? std::span<const Row>(AudioRows) : std::span<const Row>();
+}
+
+} // namespace
+
+bool GetCodecDisplayName(const GUID& majorType, const GUID& subtype, std::wstring& name) {
+    const std::span<const Row> rows = RowsFor(majorType);
+    const auto row = std::find_if(rows.begin(), rows.end(), [&](const Row& candidate) {
+        return candidate.subtype == subtype;
+    });
+    if (row == rows.end()) {
+        return false;
+    }
+    name = row->name;
+    return true;
+}
