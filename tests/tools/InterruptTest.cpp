@@ -1,0 +1,53 @@
+#include "tools/zanthe/Interrupt.h"
+
+#include <csignal>
+
+#include <gtest/gtest.h>
+
+using Program::CatchInterrupts;
+using Program::Interrupted;
+using Program::ThrowIfInterrupted;
+
+namespace {
+
+// Puts the signals' handling back to what any program starts with.
+class Interrupts : public ::testing::Test {
+protected:
+    ~Interrupts() override {
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+            std::signal(signal, SIG_DFL);
+        }
+    }
+
+    static int Caught() {
+        try {
+            ThrowIfInterrupted();
+            return 0;
+        } catch (const Interrupted& interrupted) {
+            return interrupted.signal;
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(Interrupts, WithoutASignalNothingIsThrown) {
+    CatchInterrupts();
+    EXPECT_EQ(Caught(), 0);
+}
+
+TEST_F(Interrupts, ASignalIsThrownOnce) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        CatchInterrupts();
+        std::raise(signal);
+        EXPECT_EQ(Caught(), signal);
+        EXPECT_EQ(Caught(), 0);
+    }
+}
+
+TEST_F(Interrupts, ASignalThatIsIgnoredStaysIgnored) {
+    std::signal(SIGHUP, SIG_IGN);
+    CatchInterrupts();
+    std::raise(SIGHUP);
+    EXPECT_EQ(Caught(), 0);
+}

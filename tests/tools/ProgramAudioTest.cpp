@@ -1,0 +1,257 @@
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+#include <sys/resource.h>
+
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestMedia.h"
+#include "tests/tools/ProgramRun.h"
+#include "zanthe/audio/WavUtl.h"
+#include "zanthe/audio/ffmpeg/FFMPEGAudioReader.h"
+
+namespace fs = std::filesystem;
+using ::testing::EndsWith;
+using ::testing::StartsWith;
+
+namespace {
+
+std::string Tone() {
+    return MadeMedia("tone-44100-stereo-cbr128.mp3");
+}
+
+std::ptrdiff_t FilesIn(const fs::path& folder) {
+    return std::distance(fs::directory_iterator(folder), {});
+}
+
+std::vector<std::vector<float>> ReadThroughTheLibrary(const std::string& path, int rate,
+                                                      std::int64_t start, unsigned int frames) {
+    std::vector<std::vector<float>> planes(2, std::vector<float>(frames));
+    std::vector<float*> pointers{planes[0].data(), planes[1].data()};
+    const auto reader = Zanthe::FFMPEGAudioReader::Create(path, -1, rate);
+    const unsigned int count = reader->FillAudioBuffer(start, frames, pointers);
+    planes[0].resize(count);
+    planes[1].resize(count);
+    return planes;
+}
+
+// Status 1, nothing on stdout, the one line on stderr, and no file in the output's folder.
+void ExpectRefused(const std::vector<std::string>& arguments, const std::string& line) {
+    TemporaryFolder folder;
+    std::vector<std::string> all{"audio"};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    if (std::find(all.begin(), all.end(), "-o") == all.end()) {
+        all.insert(all.end(), {"-o", folder / "out.wav"});
+    }
+    const ProgramEnd end = RunProgram(all);
+    EXPECT_EQ(end.status, 1);
+    EXPECT_EQ(end.out, "");
+    EXPECT_EQ(end.err, "zanthe: " + line + "\n");
+    EXPECT_EQ(FilesIn(folder.Path()), 0);
+}
+
+} // namespace
+
+TEST(ProgramAudio, WritesTheWholeSound) {
+    TemporaryFolder folder;
+    const std::string out = folder / "out.wav";
+    const ProgramEnd end = RunProgram({"audio", Tone(), "--float", "-o", out});
+    EXPECT_EQ(end.status, 0) << end.err;
+    EXPECT_EQ(end.err, "");
+    const auto whole = ReadThroughTheLibrary(Tone(), 44100, 0, 44100 * 60);
+    EXPECT_EQ(Zanthe::WavUtl::ReadWav(out), whole);
+    EXPECT_THAT(end.out, StartsWith(out + ": " + std::to_string(whole[0].size()) + " frames ("));
+    EXPECT_THAT(end.out, EndsWith(" from frame 0 at 44100 Hz, stereo, 32 bit float\n"));
+    EXPECT_EQ(FilesIn(folder.Path()), 1);
+}
+
+TEST(ProgramAudio, WritesThePartAskedForAtTheRateAskedFor) {
+    TemporaryFolder folder;
+    const std::string out = folder / "out.wav";
+    const ProgramEnd end = RunProgram({"audio", Tone(), "--start", "50001", "--frames", "1001",
+                                       "--rate", "48000", "--float", "-o", out});
+    EXPECT_EQ(end.status, 0) << end.err;
+    EXPECT_EQ(Zanthe::WavUtl::ReadWav(out), ReadThroughTheLibrary(Tone(), 48000, 50001, 1001));
+}
+
+TEST(ProgramAudio, ANumberWithALeadingZeroIsDecimal) {
+    TemporaryFolder folder;
+    const std::string out = folder / "out.wav";
+    EXPECT_EQ(RunProgram({"audio", Tone(), "--frames", "010", "-o", out}).status, 0);
+    EXPECT_EQ(fs::file_size(out), 44U + 10 * 4);
+}
+
+TEST(ProgramAudio, WritesSixteenBitByDefault) {
+    TemporaryFolder folder;
+    const std::string out = folder / "out.wav";
+    EXPECT_EQ(RunProgram({"audio", Tone(), "--frames", "12345", "-o", out}).status, 0);
+    EXPECT_EQ(fs::file_size(out), 44U + 12345 * 4);
+}
+
+TEST(ProgramAudio, TellsWhatItDidAsJson) {
+    TemporaryFolder folder;
+    const std::string out = folder / "out.wav";
+    const ProgramEnd end = RunProgram({"audio", Tone(), "--start", "7", "--frames", "22050",
+                                       "--rate", "22050", "-o", out, "--json"});
+    EXPECT_EQ(end.status, 0) << end.err;
+    const auto json = nlohmann::json::parse(end.out);
+    EXPECT_EQ(json["command"], "audio");
+    EXPECT_EQ(json["file"], Tone());
+    EXPECT_EQ(json["rate"], 22050);
+    EXPECT_EQ(json["channels"], 2);
+    EXPECT_EQ(json["format"], "pcm16");
+    EXPECT_EQ(json["start"], 7);
+    EXPECT_EQ(json["frames"], 22050);
+    EXPECT_EQ(json["seconds"], 1.0);
+    EXPECT_EQ(json["output"], out);
+}
+
+TEST(ProgramAudio, TheExtensionsCaseDoesNotMatter) {
+    TemporaryFolder folder;
+    const std::string in = folder.Write("TONE.Mp3", ReadWholeFile(Tone()));
+    EXPECT_EQ(RunProgram({"audio", in, "--frames", "10", "-o", folder / "out.wav"}).status, 0);
+}
+
+TEST(ProgramAudio, ANameMayHoldAnything) {
+    TemporaryFolder folder;
+    const std::string in = folder.Write("a: \"b\"\n\xFF%s?.mp3", ReadWholeFile(Tone()));
+    const ProgramEnd end =
+        RunProgram({"audio", in, "--frames", "10", "-o", folder / "\xFE\n.wav", "--json"});
+    EXPECT_EQ(end.status, 0) << end.err;
+    EXPECT_TRUE(nlohmann::json::accept(end.out)) << end.out;
+    EXPECT_EQ(fs::file_size(folder / "\xFE\n.wav"), 44U + 40);
+}
+
+TEST(ProgramAudio, TheInputMayBeTheOutput) {
+    TemporaryFolder folder;
+    const std::string both = folder.Write("tone.mp3", ReadWholeFile(Tone()));
+    EXPECT_EQ(RunProgram({"audio", both, "--frames", "10", "-o", both}).status, 0);
+    EXPECT_EQ(fs::file_size(both), 44U + 40);
+    EXPECT_EQ(FilesIn(folder.Path()), 1);
+}
+
+TEST(ProgramAudio, AnInputThatIsTheOutputOutlivesAFailure) {
+    TemporaryFolder folder;
+    const std::string both = folder.Write("tone.mp3", ReadWholeFile(Tone()));
+    EXPECT_EQ(RunProgram({"audio", both, "--start", "99999999", "-o", both}).status, 1);
+    EXPECT_EQ(ReadWholeFile(both), ReadWholeFile(Tone()));
+    EXPECT_EQ(FilesIn(folder.Path()), 1);
+}
+
+TEST(ProgramAudio, RefusesAMissingFile) {
+    ExpectRefused({"/nowhere/clip.mp3"}, "/nowhere/clip.mp3: no such file");
+    ExpectRefused({"/nowhere/clip.mp4"}, "/nowhere/clip.mp4: no such file");
+}
+
+TEST(ProgramAudio, RefusesAFolder) {
+    TemporaryFolder folder;
+    fs::create_directory(folder / "clip.mp3");
+    ExpectRefused({folder / "clip.mp3"}, (folder / "clip.mp3") + ": is a folder");
+}
+
+TEST(ProgramAudio, RefusesAnEmptyFile) {
+    TemporaryFolder folder;
+    const std::string in = folder.Write("clip.mp3", "");
+    ExpectRefused({in}, in + ": is empty");
+}
+
+TEST(ProgramAudio, RefusesTextThatIsNamedLikeSound) {
+    TemporaryFolder folder;
+    const std::string in = folder.Write("clip.mp3", "This is no sound, whatever its name says.\n");
+    ExpectRefused({in}, in + ": PacketReader() - m_formatContext->openInput failed");
+}
+
+TEST(ProgramAudio, RefusesAKindOfFileThatHasNoReader) {
+    TemporaryFolder folder;
+    for (const char* name : {"clip.mp4", "clip", "mp3", ".mp3", "clip.mp3.txt"}) {
+        const std::string in = folder.Write(name, "x");
+        ExpectRefused({in}, in + ": no reader for this kind of sound file yet");
+    }
+}
+
+TEST(ProgramAudio, TheLineStaysOneWhateverTheName) {
+    ExpectRefused({"/nowhere/a\nb.mp3"}, "/nowhere/a\\x0ab.mp3: no such file");
+}
+
+TEST(ProgramAudio, RefusesAnOutputThatCannotBe) {
+    TemporaryFolder folder;
+    const std::string nowhere = folder / "nowhere/out.wav";
+    ExpectRefused({Tone(), "-o", nowhere}, nowhere + ": cannot be written: no such folder");
+    ExpectRefused({Tone(), "-o", folder.Path()},
+                  folder.Path().string() + ": cannot be written: is a folder");
+    ExpectRefused({Tone(), "-o", "/dev/null"},
+                  "/dev/null: cannot be written: is not a regular file");
+    EXPECT_EQ(FilesIn(folder.Path()), 0);
+}
+
+TEST(ProgramAudio, RefusesAStartBehindTheSound) {
+    ExpectRefused({Tone(), "--start", "99999999"}, Tone() + ": has no sound at frame 99999999");
+    ExpectRefused({Tone(), "--start", "400000000000"},
+                  Tone() + ": has no sound at frame 400000000000");
+}
+
+TEST(ProgramAudio, SaysThatTheDiskIsFull) {
+    TemporaryFolder folder;
+
+    // Files of this process and those it starts end here, as on a full disk.
+    struct rlimit before {};
+
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    struct rlimit small = before;
+    small.rlim_cur = 100000;
+    std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const ProgramEnd end = RunProgram({"audio", Tone(), "-o", folder / "out.wav"});
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+    EXPECT_EQ(end.status, 1);
+    EXPECT_EQ(end.err, "zanthe: " + (folder / "out.wav") + ": could not be written whole\n");
+    EXPECT_EQ(FilesIn(folder.Path()), 0);
+}
+
+namespace {
+
+// Hours of sound: the tone's frames again and again, without the first one and its table of
+// contents.
+std::string WriteLongSound(const TemporaryFolder& folder) {
+    const std::string tone = ReadWholeFile(MadeMedia("tone-44100-stereo-cbr-noxing.mp3"));
+    std::string path = folder / "long.mp3";
+    std::ofstream stream(path, std::ios::binary);
+    for (int i = 0; i < 600; ++i) {
+        stream << tone;
+    }
+    return path;
+}
+
+void ExpectNothingLeftAfter(int signal, int status) {
+    TemporaryFolder folder;
+    TemporaryFolder results;
+    ProgramRun run(
+        {"audio", WriteLongSound(folder), "--rate", "192000", "-o", results / "out.wav"});
+    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (FilesIn(results.Path()) == 0 && std::chrono::steady_clock::now() < giveUp) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    ASSERT_EQ(FilesIn(results.Path()), 1) << run.Err();
+    ASSERT_FALSE(fs::exists(results / "out.wav")) << "done before it could be interrupted";
+    run.Signal(signal);
+    EXPECT_EQ(run.Wait(), status);
+    EXPECT_EQ(run.Out(), "");
+    EXPECT_EQ(run.Err(), "");
+    EXPECT_EQ(FilesIn(results.Path()), 0);
+}
+
+} // namespace
+
+TEST(ProgramAudio, InterruptedItLeavesNothing) {
+    ExpectNothingLeftAfter(SIGINT, 130);
+}
+
+TEST(ProgramAudio, TerminatedItLeavesNothing) {
+    ExpectNothingLeftAfter(SIGTERM, 143);
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+#include "tests/support/TemporaryFolder.h"
+
+// The program, started as a user would. What it prints goes to files, so that it never waits for
+// us.
+class ProgramRun {
+public:
+    explicit ProgramRun(const std::vector<std::string>& arguments);
+    ProgramRun(const ProgramRun&) = delete;
+    ProgramRun& operator=(const ProgramRun&) = delete;
+    ~ProgramRun(); // kills what still runs
+
+    pid_t Process() const { return m_process; }
+
+    void Signal(int signal) const;
+
+    // Waits for its end: the exit status, or minus the signal that killed it.
+    int Wait();
+
+    std::string Out() const;
+    std::string Err() const;
+
+private:
+    TemporaryFolder m_folder;
+    pid_t m_process = -1;
+};
+
+struct ProgramEnd {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+// Runs it to its end.
+ProgramEnd RunProgram(const std::vector<std::string>& arguments);

@@ -1,0 +1,22 @@
+// Why a command cannot do what it was asked: the program prints it as one line and ends with 1.
+//
+//     throw CommandError(path, "no such file");    // zanthe: clip.mp3: no such file
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace Program {
+
+class CommandError : public std::runtime_error {
+public:
+    // subject: the file (or folder) that the trouble is with.
+    CommandError(std::string_view subject, std::string_view reason);
+};
+
+// `text` with its control characters written as \xHH: a file's name may hold line breaks and
+// terminal commands, and what we print about it stays one line all the same.
+std::string OneLine(std::string_view text);
+
+} // namespace Program

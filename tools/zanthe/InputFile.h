@@ -1,0 +1,14 @@
+// What goes wrong most often with a file named on the command line, said plainly before the library
+// is asked: its own texts tell where it gave up, not what the user did.
+#pragma once
+
+#include <string>
+
+namespace Program {
+
+// Returns when `path` names a regular file that is not empty and may be read. Throws CommandError
+// otherwise: "no such file", "is a folder", "is not a regular file", "is empty",
+// "permission denied", or the system's own text.
+void RequireReadableFile(const std::string& path);
+
+} // namespace Program
