@@ -169,10 +169,21 @@ TEST(ProgramAudio, RefusesTextThatIsNamedLikeSound) {
 
 TEST(ProgramAudio, RefusesAKindOfFileThatHasNoReader) {
     TemporaryFolder folder;
-    for (const char* name : {"clip.mp4", "clip", "mp3", ".mp3", "clip.mp3.txt"}) {
+    for (const char* name : {"clip.avi", "clip", "mp3", "clip.mp3.txt"}) {
         const std::string in = folder.Write(name, "x");
-        ExpectRefused({in}, in + ": no reader for this kind of sound file yet");
+        ExpectRefused({in}, in + ": no reader for its sound: Failed to create DSAudioChain");
     }
+    for (const char* name : {"clip.mp4", "clip.WAV"}) {
+        const std::string in = folder.Write(name, "x");
+        ExpectRefused({in}, in + ": no reader for its sound: "
+                                 "Failed to create MediaFoundation resource");
+    }
+}
+
+TEST(ProgramAudio, RefusesARecordingWithoutSound) {
+    TemporaryFolder folder;
+    const std::string in = folder.Write("clip.brec", "x");
+    ExpectRefused({in}, in + ": holds no sound");
 }
 
 TEST(ProgramAudio, TheLineStaysOneWhateverTheName) {

@@ -76,7 +76,9 @@ TEST(ProgramVerify, RefusesWhatAudioRefuses) {
     const std::string movie = folder.Write("clip.mp4", "x");
     const ProgramEnd unread = RunProgram({"verify", movie});
     EXPECT_EQ(unread.status, 1);
-    EXPECT_EQ(unread.err, "zanthe: " + movie + ": no reader for this kind of sound file yet\n");
+    EXPECT_EQ(unread.err, "zanthe: " + movie +
+                              ": no reader for its sound: "
+                              "Failed to create MediaFoundation resource\n");
 }
 
 TEST(ProgramVerify, InterruptedItEndsSilently) {

@@ -1,34 +1,22 @@
 #include "tools/zanthe/OpenAudio.h"
 
 #include <algorithm>
-#include <filesystem>
 
 #include "tools/zanthe/CommandError.h"
 #include "tools/zanthe/InputFile.h"
-#include "zanthe/audio/ffmpeg/FFMPEGAudioReader.h"
+#include "zanthe/audio/AudioMediaReaderFactory.h"
+#include "zanthe/core/TextException.h"
 
 namespace Program {
 
-namespace {
-
-// The extension with its dot, A to Z in lower case.
-std::string ExtensionOf(const std::string& path) {
-    std::string extension = std::filesystem::path(path).extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    });
-    return extension;
-}
-
-} // namespace
-
-std::unique_ptr<Zanthe::IAudioReader> OpenAudio(const std::string& path, int track, int rate) {
+boost::shared_ptr<Zanthe::IAudioReader> OpenAudio(const std::string& path, int track, int rate) {
     RequireReadableFile(path);
-    if (ExtensionOf(path) != ".mp3") {
-        throw CommandError(path, "no reader for this kind of sound file yet");
-    }
     try {
-        return Zanthe::FFMPEGAudioReader::Create(path, track, rate);
+        return Zanthe::AudioMediaReaderFactory(path, std::max(track, 0), rate)
+            .Create_AudioMediaReader(false);
+    } catch (const Zanthe::TextException& error) {
+        // The backend that takes this kind of file, not the file, is what the text speaks of.
+        throw CommandError(path, std::string("no reader for its sound: ") + error.what());
     } catch (const std::exception& error) {
         throw CommandError(path, error.what());
     }
