@@ -2,6 +2,9 @@
 # scripts/run belongs to the program.
 root=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")
 
+# Objects that another checkout has compiled serve this one too, where ccache is installed.
+export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
+
 # The one list of Debian 12 packages.
 #   build: what preset release asks for (library, program, tests, benches), and the ffmpeg program,
 #          which makes the media of the tests and of the demonstration

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstring>
 #include <mutex>
 #include <utility>
 
@@ -34,11 +35,34 @@ int CheckRegularFile(const std::string& path) {
     return S_ISREG(status.st_mode) ? 0 : AVERROR(EINVAL);
 }
 
+// Playlists and the like, whatever they are named, make FFmpeg open what they refer to. This opens
+// the file that was asked for, and nothing else.
+int OpenOnlyItself(AVFormatContext* context, AVIOContext** file, const char* url, int flags,
+                   AVDictionary** options) {
+    if (std::strcmp(url, context->url) != 0) {
+        return AVERROR(EPERM);
+    }
+    return avio_open2(file, url, flags, &context->interrupt_callback, options);
+}
+
+// Contexts that a demuxer makes for what it refers to do not inherit the opening function, but they
+// do inherit the list of protocols they may use. No protocol has this name.
+constexpr char kNoProtocol[] = "none";
+
+int ConfineToFile(AVFormatContext& context) {
+    context.io_open = OpenOnlyItself;
+    return av_opt_set(&context, "protocol_whitelist", kNoProtocol, 0);
+}
+
 // `format` null: whatever the file's bytes look like. Options that nobody takes are no error.
 int OpenAs(FormatContextPtr& context, const std::string& path, const AVInputFormat* format,
            DictionaryPtr options) {
     QuietUnlessChosen();
-    if (const int error = CheckRegularFile(path); error < 0) {
+    if (!context) {
+        return AVERROR(ENOMEM);
+    }
+    const int unfit = CheckRegularFile(path);
+    if (const int error = unfit < 0 ? unfit : ConfineToFile(*context); error < 0) {
         context.reset();
         return error;
     }
@@ -67,9 +91,7 @@ int OpenInput(FormatContextPtr& context, const std::string& path) {
 FormatContextPtr OpenMp4(const std::string& path, EditLists editLists) {
     FormatContextPtr context(avformat_alloc_context());
     auto options = MakeOptions("ignore_editlist", editLists == EditLists::Ignored ? "1" : "0");
-    // Neither a path nor anything in the file can name another protocol.
-    if (context == nullptr || options == nullptr ||
-        av_opt_set(context.get(), "protocol_whitelist", "file", 0) < 0) {
+    if (context == nullptr || options == nullptr) {
         return nullptr;
     }
     const AVInputFormat* format = av_find_input_format("mp4");

@@ -8,7 +8,7 @@
 namespace av {
 
 // Opens the regular file named `path`, whatever characters the name has: a colon in it does not
-// make it an address, and nothing but a file is ever read. `context` owns an allocated context on
+// make it an address, and no other file is read, whatever this one refers to. `context` owns an allocated context on
 // entry; it is empty after a failure. Answers 0 or a negative FFmpeg code (AVERROR(EINVAL) for what
 // is there but is no regular file: a folder, a device, a pipe that would block).
 int OpenInput(FormatContextPtr& context, const std::string& path);
@@ -19,8 +19,7 @@ enum class EditLists {
     Ignored, // the times are the track's own, from 0 on, and every sample is there
 };
 
-// The MP4 or QuickTime file at `path`, opened as above; empty where it is none. What it refers to
-// outside itself is not opened.
+// The MP4 or QuickTime file at `path`, opened as above; empty where it is none.
 FormatContextPtr OpenMp4(const std::string& path, EditLists editLists);
 
 } // namespace av
