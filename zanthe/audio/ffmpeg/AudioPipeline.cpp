@@ -39,8 +39,8 @@ std::int64_t AudioPipeline::filterReach() const {
 }
 
 std::int64_t AudioPipeline::fill(Buffer& request) {
-    if (m_outputRate <= 0) {
-        return 0; // there are no positions to count
+    if (m_outputRate < kSmallestOutputRate || m_outputRate > kLargestOutputRate) {
+        return 0; // there is no converter to it, and at 0 no positions to count
     }
     // Outputs lean on inputs to either side; those before the first one must be sound too. Before
     // the file's start there are none.

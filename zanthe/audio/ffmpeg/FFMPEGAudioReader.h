@@ -25,7 +25,8 @@ namespace Zanthe {
 class ZANTHE_API FFMPEGAudioReader : public IAudioReader {
 public:
     // A reader over the first audio stream of the file at `path` (UTF-8), which delivers 2 channels
-    // at `sampleRate` Hz. streamIndex plays no part: an MP3 file has one stream of sound.
+    // at `sampleRate` Hz. streamIndex plays no part: an MP3 file has one stream of sound. At a rate
+    // outside [1000, 768000] a reader answers 0 to every read.
     //
     // Throws std::runtime_error with one of these texts, and leaves nothing open:
     //   "PacketReader() - m_formatContext->openInput failed"       missing, a folder, no media

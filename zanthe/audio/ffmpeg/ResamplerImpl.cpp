@@ -57,9 +57,14 @@ ResamplerImpl::ResamplerImpl(int inChannels, int inRate, int outRate, int maxSam
     , m_maxSamples(maxSamples) {
     configure();
     // A converter that was not initialised must not even be asked for its output size.
-    if (swr_init(m_context.get()) >= 0 && swr_is_initialized(m_context.get()) != 0) {
+    if (hasUsualRate() && swr_init(m_context.get()) >= 0 &&
+        swr_is_initialized(m_context.get()) != 0) {
         allocatePlanes();
     }
+}
+
+bool ResamplerImpl::hasUsualRate() const {
+    return m_outRate >= kSmallestOutputRate && m_outRate <= kLargestOutputRate;
 }
 
 void ResamplerImpl::configure() const {

@@ -12,14 +12,20 @@
 
 namespace FFMPEGDecoder {
 
+// Output rates, in Hz, that a conversion is made for. A converter's filter grows with the step
+// between the rates: at a few Hz it would take gigabytes and minutes.
+constexpr int kSmallestOutputRate = 1000;
+constexpr int kLargestOutputRate = 768000;
+
 // Always delivers 2 channels, mixed by libswresample's own coefficients: mono comes out on both at
 // 1/sqrt(2), six channels are taken as 5.1 with side channels.
 //
 // Thread-safety: none; one thread at a time.
 class ResamplerImpl {
 public:
-    // Rates in Hz; maxSamples is the longest input of one call, in frames. A combination that
-    // libswresample refuses gives a converter that answers every input with nothing.
+    // Rates in Hz; maxSamples is the longest input of one call, in frames. An output rate beyond
+    // the limits above, or a combination that libswresample refuses, gives a converter that answers
+    // every input with nothing.
     ResamplerImpl(int inChannels, int inRate, int outRate, int maxSamples);
 
     // Converts the next input, or drains what the converter holds when `input` has no channels or
@@ -52,6 +58,7 @@ private:
         void operator()(std::uint8_t** planes) const;
     };
 
+    bool hasUsualRate() const;
     void configure() const;
     void allocatePlanes();
 

@@ -124,11 +124,17 @@ TEST(FFMPEGAudioReader, StreamIndexPlaysNoPart) {
     EXPECT_EQ(ReadSpan(*reader, 5000, 1000), ReadSpan(*Tone(), 5000, 1000));
 }
 
-TEST(FFMPEGAudioReader, OutputRateWithoutPositionsAnswersZero) {
-    for (const int rate : {0, -44100}) {
+TEST(FFMPEGAudioReader, OutputRateBeyondTheLimitsAnswersZero) {
+    for (const int rate : {0, -44100, 1, 999, 768001, 2000000000}) {
         const MarkedRead read(*Tone(rate), 0, 100);
         EXPECT_EQ(read.answer, 0U);
         EXPECT_TRUE(read.IsUntouchedFrom(0));
+    }
+}
+
+TEST(FFMPEGAudioReader, ReadsAtTheLimitsOfTheRate) {
+    for (const int rate : {1000, 768000}) {
+        EXPECT_EQ(MarkedRead(*Tone(rate), rate, 500).answer, 500U);
     }
 }
 

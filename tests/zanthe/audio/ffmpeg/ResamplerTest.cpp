@@ -142,7 +142,7 @@ TEST(ResamplerImpl, InputWithFewerChannelsThanAnnouncedIsHeardOnAll) {
 }
 
 TEST(ResamplerImpl, RefusedRatesAnswerWithNothing) {
-    for (const int rate : {0, -1}) {
+    for (const int rate : {0, -1, 1, 999, 768001, 2000000000}) {
         ResamplerImpl resampler(2, 44100, rate, kMaxSamples);
         EXPECT_EQ(resampler.resample(Buffer(2, 100)).frames(), 0);
         EXPECT_EQ(resampler.resample(Buffer(0, 0)).frames(), 0);
