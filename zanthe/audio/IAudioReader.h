@@ -27,6 +27,9 @@ public:
     // is untouched. 0: the whole span lies past the end, or the number of planes is not the
     // reader's channel count (2 for every reader of this library); the planes are untouched.
     //
+    // A negative startFrame is no error; what lies before frame 0 reads as silence where the reader
+    // does not say otherwise.
+    //
     // startFrame counts sample frames at the reader's output rate from the start of the file and
     // may jump freely from call to call. Samples are floats at full scale 1.0, one plane a channel;
     // each plane holds at least frameCount floats and stays the caller's.

@@ -46,7 +46,9 @@ std::int64_t AudioPipeline::fill(Buffer& request) {
     // the file's start there are none.
     const std::int64_t first = std::max(request.start, std::int64_t{0});
     m_neededFrom = ScalePosition(first, m_inputRate, m_outputRate) - filterReach();
-    std::int64_t backoff = ScalePosition(preRoll(), m_outputRate, m_inputRate);
+    // At least one, or doubling it would lead nowhere.
+    std::int64_t backoff =
+        std::max(ScalePosition(preRoll(), m_outputRate, m_inputRate), std::int64_t{1});
     while (!fillFrom(backoff, request)) {
         backoff *= 2;
     }
