@@ -22,8 +22,8 @@ public:
     // Frames that fit a file in this format: the sizes in its header are 32 bits wide.
     static std::int64_t MaxFrames(WavUtl::WavFormat format);
 
-    // Opens (and truncates) the file at `path` (UTF-8) and writes a header whose sizes say "unfinished".
-    // sampleRate in Hz. A failure shows in the answer of Finish.
+    // Opens (and truncates) the file at `path` (UTF-8) and writes a header whose sizes say
+    // "unfinished". sampleRate in Hz. A failure shows in the answer of Finish.
     WavWriter(const std::string& path, WavUtl::WavFormat format, int sampleRate);
 
     // Appends `frames` sample frames from the two planes, which stay the caller's. PCM rounds
