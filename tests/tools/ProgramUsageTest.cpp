@@ -26,6 +26,7 @@ TEST(ProgramUsage, HelpsAboutItself) {
     const ProgramEnd end = RunProgram({"--help"});
     EXPECT_EQ(end.status, 0);
     EXPECT_THAT(end.out, HasSubstr("audio"));
+    EXPECT_THAT(end.out, HasSubstr("classify"));
     EXPECT_THAT(end.out, HasSubstr("verify"));
     EXPECT_THAT(end.out, HasSubstr("Exit status: 0 done"));
 }
@@ -56,6 +57,7 @@ TEST(ProgramUsage, WrongUsageEndsWithTwo) {
     ExpectUsageError({"audio"}, "FILE");
     ExpectUsageError({"audio", "a.mp3"}, "--output");
     ExpectUsageError({"audio", "a.mp3", "b.mp3", "-o", "out.wav"}, "b.mp3");
+    ExpectUsageError({"classify"}, "FILE");
     ExpectUsageError({"verify"}, "FILE");
     ExpectUsageError({"verify", "a.mp3", "--nonsense"}, "--nonsense");
 }

@@ -4,10 +4,9 @@
 #include <limits>
 #include <sstream>
 
-#include <nlohmann/json.hpp>
-
 #include "tools/zanthe/CommandError.h"
 #include "tools/zanthe/Interrupt.h"
+#include "tools/zanthe/JsonLine.h"
 #include "tools/zanthe/OpenAudio.h"
 #include "tools/zanthe/OutputFile.h"
 #include "tools/zanthe/Progress.h"
@@ -22,7 +21,7 @@ double SecondsOf(std::int64_t frames, int rate) {
 }
 
 void PrintJson(const AudioRequest& request, std::int64_t frames, std::ostream& out) {
-    const nlohmann::ordered_json result{
+    const Json result{
         {"command", "audio"},
         {"file", request.file},
         {"rate", request.rate},
@@ -33,7 +32,7 @@ void PrintJson(const AudioRequest& request, std::int64_t frames, std::ostream& o
         {"seconds", SecondsOf(frames, request.rate)},
         {"output", request.output},
     };
-    out << result.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+    PrintJsonLine(result, out);
 }
 
 void PrintLine(const AudioRequest& request, std::int64_t frames, std::ostream& out) {

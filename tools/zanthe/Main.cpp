@@ -11,6 +11,7 @@
 #include <CLI/CLI.hpp>
 
 #include "tools/zanthe/AudioCommand.h"
+#include "tools/zanthe/ClassifyCommand.h"
 #include "tools/zanthe/CommandError.h"
 #include "tools/zanthe/Interrupt.h"
 #include "tools/zanthe/VerifyCommand.h"
@@ -111,6 +112,20 @@ CLI::App* AddVerify(CLI::App& app, Program::VerifyRequest& request) {
     return command;
 }
 
+CLI::App* AddClassify(CLI::App& app, Program::ClassifyRequest& request) {
+    CLI::App* command = app.add_subcommand(
+        "classify", "Tell what a file is taken for and which backends would serve it");
+    command->footer(ExitStatuses);
+    command
+        ->add_option("FILE", request.file,
+                     "The file to look at; a \"!\" and a member's name behind it choose a stream "
+                     "of a recording")
+        ->required()
+        ->type_name("");
+    AddJson(*command, request.json);
+    return command;
+}
+
 int Refuse(const std::string& text) {
     std::cerr << "zanthe: " << Program::OneLine(text) << '\n';
     return ExitRefused;
@@ -145,7 +160,9 @@ int Run(int argc, char** argv) {
     app.footer(ExitStatuses);
     Program::AudioRequest audio;
     Program::VerifyRequest verify;
+    Program::ClassifyRequest classify;
     const CLI::App* audioCommand = AddAudio(app, audio);
+    const CLI::App* classifyCommand = AddClassify(app, classify);
     AddVerify(app, verify);
     try {
         app.parse(argc, argv);
@@ -154,6 +171,9 @@ int Run(int argc, char** argv) {
         }
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : ExitUsage;
+    }
+    if (classifyCommand->parsed()) {
+        return Serve(Program::RunClassify, classify);
     }
     return audioCommand->parsed() ? Serve(Program::RunAudio, audio)
                                   : Serve(Program::RunVerify, verify);

@@ -5,15 +5,12 @@
 #include <limits>
 #include <sstream>
 
-#include <nlohmann/json.hpp>
-
 #include "tools/zanthe/CommandError.h"
+#include "tools/zanthe/JsonLine.h"
 
 namespace Program {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 std::string BitsText(float sample) {
     std::ostringstream text;
@@ -152,7 +149,7 @@ void PrintJson(const VerifyReport& report, std::ostream& out) {
     if (report.audio.first) {
         json["first_difference"] = JsonOf(*report.audio.first);
     }
-    out << json.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+    PrintJsonLine(json, out);
 }
 
 } // namespace Program

@@ -106,14 +106,14 @@ constexpr std::array<ExtensionSubtype, 5> ExtensionSubtypes{{
     {L"mpeg", MEDIASUBTYPE_MPEG1System},
 }};
 
-GUID SubtypeByExtension(const std::wstring& path) {
+DetectedSubtype SubtypeByExtension(const std::wstring& path) {
     const std::wstring extension = LowerTextBehindLastDot(path);
     for (const ExtensionSubtype& row : ExtensionSubtypes) {
         if (extension == row.extension) {
-            return row.subtype;
+            return {row.subtype, SubtypeSource::Extension};
         }
     }
-    return MEDIASUBTYPE_None;
+    return {MEDIASUBTYPE_None, SubtypeSource::Nothing};
 }
 
 } // namespace
@@ -127,17 +127,22 @@ const FileSignatureEntry* FindSignature(const SignatureReader& read,
     return found != table.end() ? &*found : nullptr;
 }
 
-GUID DetectMediaSubtype(const std::wstring& path) {
+DetectedSubtype DetectMediaSubtypeAndSource(const std::wstring& path) {
     if (EqualIgnoringCase(RecordingPath(path).GetExtension(), L"brec")) {
-        return MEDIASUBTYPE_None;
+        return {MEDIASUBTYPE_None, SubtypeSource::Nothing};
     }
     const OwnedHandle file = OpenForLooking(path);
     if (file.get() == INVALID_HANDLE_VALUE) {
-        return MEDIASUBTYPE_None;
+        return {MEDIASUBTYPE_None, SubtypeSource::Nothing};
     }
     const auto read = [&](std::int64_t offset, std::uint32_t length, std::uint8_t* bytes) {
         return ReadAt(file.get(), offset, length, bytes);
     };
     const FileSignatureEntry* entry = FindSignature(read, FileSignatureTable);
-    return entry != nullptr ? entry->subtype : SubtypeByExtension(path);
+    return entry != nullptr ? DetectedSubtype{entry->subtype, SubtypeSource::Signature}
+                            : SubtypeByExtension(path);
+}
+
+GUID DetectMediaSubtype(const std::wstring& path) {
+    return DetectMediaSubtypeAndSource(path).subtype;
 }

@@ -48,3 +48,13 @@ const FileSignatureEntry* FindSignature(const SignatureReader& read,
 //
 // Thread-safety: safe from any thread.
 GUID DetectMediaSubtype(const std::wstring& path);
+
+// The same answer with what it was told by.
+enum class SubtypeSource { Nothing, Signature, Extension };
+
+struct DetectedSubtype {
+    GUID subtype;
+    SubtypeSource source; // Nothing where the subtype is MEDIASUBTYPE_None
+};
+
+DetectedSubtype DetectMediaSubtypeAndSource(const std::wstring& path);

@@ -46,6 +46,10 @@ GUID ClassOf(const OwnFilter& filter, bool alternate) {
     return alternate ? filter.alternate : filter.standard;
 }
 
+bool IsFilter(const OwnFilter& filter, const GUID& id) {
+    return id == filter.standard || id == filter.alternate;
+}
+
 } // namespace
 
 bool IsAlternateInstallMode() {
@@ -72,4 +76,20 @@ GUID SelectSourceFilter(const std::wstring& path) {
         return CLSID_WMAsfReader;
     }
     return Contains(ImageExtensions, extension) ? ClassOf(ImageSource, alternate) : GUID_NULL;
+}
+
+const char* SourceFilterName(const GUID& sourceFilter) {
+    if (IsFilter(RecordingSource, sourceFilter)) {
+        return "recording source";
+    }
+    if (IsFilter(ImageSource, sourceFilter)) {
+        return "image source";
+    }
+    if (sourceFilter == CLSID_AsyncReader) {
+        return "file source";
+    }
+    if (sourceFilter == CLSID_WMAsfReader) {
+        return "Windows Media source";
+    }
+    return sourceFilter == GUID_NULL ? "none" : nullptr;
 }

@@ -20,3 +20,8 @@ bool IsAlternateInstallMode();
 //
 // Thread-safety: safe from any thread.
 GUID SelectSourceFilter(const std::wstring& path);
+
+// What a class that SelectSourceFilter answers is called, in words: "recording source",
+// "file source", "Windows Media source", "image source" or "none" (all zero), under either mode of
+// installation. Null for any other class. The text is a literal.
+const char* SourceFilterName(const GUID& sourceFilter);

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
 #include <span>
 
+#include "platform/dshow/CodedSubtype.h"
 #include "platform/dshow/Uuids.h"
 
 namespace {
@@ -13,19 +13,6 @@ struct Row {
     GUID subtype;
     const wchar_t* name;
 };
-
-// A four-character code, little-endian, or a WAVE_FORMAT tag, as a subtype.
-constexpr GUID Coded(std::uint32_t code) {
-    return {code, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71}};
-}
-
-constexpr GUID Coded(const char (&code)[5]) {
-    std::uint32_t number = 0;
-    for (int i = 3; i >= 0; --i) {
-        number = number << 8 | static_cast<std::uint8_t>(code[i]);
-    }
-    return Coded(number);
-}
 
 // Vendors' own subtypes for H.264.
 constexpr GUID H264ByteStream{
@@ -42,36 +29,36 @@ constexpr GUID WindowsMedia{
 // goes by its plain name; the order is what users are used to.
 constexpr std::array<Row, 14> VideoRows{{
     {H264ByteStream, L"H.264"},
-    {Coded("H264"), L"H.264"},
+    {CodedSubtype("H264"), L"H.264"},
     {H264Nalu, L"H.264 ( NALU )"},
-    {Coded("AVC1"), L"H.264 ( AVC1 )"},
-    {Coded("avc1"), L"H.264 ( QuickTime )"},
-    {Coded("VSSH"), L"H.264 ( VSSH )"},
+    {CodedSubtype("AVC1"), L"H.264 ( AVC1 )"},
+    {CodedSubtype("avc1"), L"H.264 ( QuickTime )"},
+    {CodedSubtype("VSSH"), L"H.264 ( VSSH )"},
     {H264MainConcept, L"H.264 ( MainConcept )"},
-    {Coded("H264"), L"H.264 ( Microsoft )"},
-    {Coded("X264"), L"H.264 ( X264 )"},
+    {CodedSubtype("H264"), L"H.264 ( Microsoft )"},
+    {CodedSubtype("X264"), L"H.264 ( X264 )"},
     {WindowsMedia, L"Windows Media Video"},
-    {Coded("WMV3"), L"Windows Media Video"},
-    {Coded("WMV2"), L"Windows Media Video"},
-    {Coded("WMV1"), L"Windows Media Video"},
-    {Coded("HEVC"), L"H.265 ( Microsoft )"},
+    {CodedSubtype("WMV3"), L"Windows Media Video"},
+    {CodedSubtype("WMV2"), L"Windows Media Video"},
+    {CodedSubtype("WMV1"), L"Windows Media Video"},
+    {CodedSubtype("HEVC"), L"H.265 ( Microsoft )"},
 }};
 
 constexpr std::array<Row, 14> AudioRows{{
     {MEDIASUBTYPE_PCM, L"PCM"},
-    {Coded(0x00FF), L"AAC"},
-    {Coded(0x1610), L"AAC"},
-    {Coded(0x0180), L"AAC ( MPEG-2 )"},
-    {Coded(0xA106), L"AAC ( MPEG-4 )"},
-    {Coded(0x0278), L"AAC ( Sony )"},
-    {Coded("MP4A"), L"AAC ( Nero )"},
-    {Coded(0x4143), L"AAC ( Divio )"},
-    {Coded(0x01FF), L"AAC ( LATM )"},
+    {CodedSubtype(0x00FF), L"AAC"},
+    {CodedSubtype(0x1610), L"AAC"},
+    {CodedSubtype(0x0180), L"AAC ( MPEG-2 )"},
+    {CodedSubtype(0xA106), L"AAC ( MPEG-4 )"},
+    {CodedSubtype(0x0278), L"AAC ( Sony )"},
+    {CodedSubtype("MP4A"), L"AAC ( Nero )"},
+    {CodedSubtype(0x4143), L"AAC ( Divio )"},
+    {CodedSubtype(0x01FF), L"AAC ( LATM )"},
     {WindowsMedia, L"Windows Media Audio"},
-    {Coded(0x0162), L"Windows Media Audio"},
-    {Coded(0x0161), L"Windows Media Audio"},
+    {CodedSubtype(0x0162), L"Windows Media Audio"},
+    {CodedSubtype(0x0161), L"Windows Media Audio"},
     {MEDIASUBTYPE_DOLBY_AC3, L"Dolby AC-3"},
-    {Coded(0x0055), L"MP3"},
+    {CodedSubtype(0x0055), L"MP3"},
 }};
 
 std::span<const Row> RowsFor(const GUID& majorType) {

@@ -1,0 +1,105 @@
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestMedia.h"
+#include "tests/tools/ProgramRun.h"
+
+using ::testing::HasSubstr;
+
+namespace {
+
+std::string TextOf(const std::string& path) {
+    const ProgramEnd end = RunProgram({"classify", path});
+    EXPECT_EQ(end.status, 0) << path;
+    EXPECT_EQ(end.err, "");
+    return end.out;
+}
+
+nlohmann::json JsonOf(const std::string& path) {
+    const ProgramEnd end = RunProgram({"classify", path, "--json"});
+    EXPECT_EQ(end.status, 0) << path;
+    EXPECT_EQ(end.err, "");
+    EXPECT_EQ(end.out.find('\n'), end.out.size() - 1);
+    return nlohmann::json::parse(end.out);
+}
+
+void ExpectRefused(const std::string& path, const std::string& line) {
+    const ProgramEnd end = RunProgram({"classify", path});
+    EXPECT_EQ(end.status, 1);
+    EXPECT_EQ(end.out, "");
+    EXPECT_EQ(end.err, "zanthe: " + line + "\n");
+}
+
+} // namespace
+
+TEST(ProgramClassify, TellsEveryAnswerInColumns) {
+    const std::string text = TextOf(MadeMedia("mp4-rotate90.mp4"));
+    for (const char* line :
+         {"\nmember            none\n", "\nsubtype           MEDIASUBTYPE_None (by nothing)\n",
+          "\nsource filter     file source {E436EBB5-524F-11CE-9F53-0020AF0BA770}\n",
+          "\nbackend           6.2 or later      below 6.2\n",
+          "\n  audio           Media Foundation  Media Foundation\n",
+          "\n  video samples   Media Foundation  DirectShow\n",
+          "\n  detection       Media Foundation  DirectShow\n",
+          "\naudio route       Media Foundation\n", "\nMP4               yes\n",
+          "\n  track 1         video avc1 \"H.264 ( QuickTime )\", shown 64x48, coded 64x48, "
+          "pixel aspect 1:1, matrix [0 -1; 1 0], volume 0\n",
+          "\nstreams           video avc1, audio mp4a\n",
+          "\norientation       [0 -1; 1 0], size 64x48, turn by 90 degrees\n"}) {
+        EXPECT_THAT(text, HasSubstr(line));
+    }
+}
+
+TEST(ProgramClassify, TellsEveryAnswerAsJson) {
+    const auto json = JsonOf(MadeMedia("mp4-pasp-4-3.mp4"));
+    EXPECT_EQ(json["command"], "classify");
+    EXPECT_EQ(json["file"], MadeMedia("mp4-pasp-4-3.mp4"));
+    EXPECT_EQ(json["path"]["kind"], "no member");
+    EXPECT_EQ(json["subtype"]["name"], "MEDIASUBTYPE_None");
+    EXPECT_EQ(json["source_filter"]["name"], "file source");
+    EXPECT_EQ(json["video_samples"]["6.2_or_later"], "Media Foundation");
+    EXPECT_EQ(json["video_samples"]["below_6.2"], "DirectShow");
+    EXPECT_EQ(json["mp4"]["parsed"], true);
+    EXPECT_EQ(json["mp4"]["problem"], nullptr);
+    EXPECT_EQ(json["mp4"]["tracks"].size(), 1U);
+    EXPECT_EQ(json["mp4"]["tracks"][0]["display_name"], "H.264 ( QuickTime )");
+    EXPECT_EQ(json["mp4"]["tracks"][0]["pixel_aspect"], nlohmann::json({4, 3}));
+    EXPECT_EQ(json["mp4"]["orientation"]["matrix"], nlohmann::json({1.0, 0.0, 0.0, 1.0}));
+    EXPECT_EQ(json["mp4"]["orientation"]["rotation"], 0);
+}
+
+TEST(ProgramClassify, WhatIsNoMp4IsNoFailure) {
+    EXPECT_THAT(TextOf(MadeMedia("classify/tone.wav")),
+                HasSubstr("\nMP4               no: the file cannot be opened, or its first box is "
+                          "not an ftyp\n"));
+    const auto json = JsonOf(MadeMedia("mp4-no-ftyp.mov"));
+    EXPECT_EQ(json["mp4"]["parsed"], false);
+    EXPECT_THAT(json["mp4"]["problem"].get<std::string>(), HasSubstr("ftyp"));
+}
+
+TEST(ProgramClassify, AMemberIsReadFromItsRecording) {
+    const std::string path = MadeMedia("classify/recording.brec") + "!audio4.mp4";
+    EXPECT_THAT(TextOf(path), HasSubstr("\nmember            audio4.mp4 (numbered audio, stream 4, "
+                                        "ordinal 1, code 0)\n"));
+    EXPECT_EQ(JsonOf(path)["path"]["container"], MadeMedia("classify/recording.brec"));
+}
+
+TEST(ProgramClassify, AMemberOfAMissingRecordingIsRefused) {
+    const TemporaryFolder folder;
+    ExpectRefused(folder / "a.orirec!Screen_Stream.avi", (folder / "a.orirec") + ": no such file");
+}
+
+TEST(ProgramClassify, WhatCannotBeReadIsRefused) {
+    const TemporaryFolder folder;
+    ExpectRefused(folder / "none.mp4", (folder / "none.mp4") + ": no such file");
+    ExpectRefused(folder.Path().string(), folder.Path().string() + ": is a folder");
+    ExpectRefused(folder.Write("empty.mp4", ""), (folder / "empty.mp4") + ": is empty");
+}
+
+TEST(ProgramClassify, ANameWithALineBreakStaysOnItsLine) {
+    const TemporaryFolder folder;
+    EXPECT_THAT(TextOf(folder.Write("a\nb.mp4", "x")), HasSubstr("/a\\x0ab.mp4\n"));
+}
