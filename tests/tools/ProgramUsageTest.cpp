@@ -36,7 +36,7 @@ TEST(ProgramUsage, HelpsAboutAudioWithUnitsAndDefaults) {
     EXPECT_EQ(end.status, 0);
     for (const char* part :
          {"FILE", "--start", "--frames", "--rate", "--track", "--float", "-o,--output", "--json",
-          "=44100", "in Hz", "default: to its end", "1 to 768000"}) {
+          "=44100", "in Hz", "default: to its end", "1000 to 768000"}) {
         EXPECT_THAT(end.out, HasSubstr(part));
     }
 }

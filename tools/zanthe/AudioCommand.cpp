@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "tools/zanthe/CommandError.h"
+#include "tools/zanthe/InputFile.h"
 #include "tools/zanthe/Interrupt.h"
 #include "tools/zanthe/JsonLine.h"
 #include "tools/zanthe/OpenAudio.h"
@@ -74,6 +75,7 @@ std::int64_t WriteSound(Zanthe::IAudioReader& reader, const AudioRequest& reques
 
 void RunAudio(const AudioRequest& request, std::ostream& out) {
     const auto reader = OpenAudio(request.file, request.track, request.rate);
+    RequireOtherFile(request.file, request.output);
     OutputFile output(request.output);
     const std::int64_t frames = WriteSound(*reader, request, output.TemporaryPath(),
                                            Zanthe::WavWriter::MaxFrames(request.Format()));

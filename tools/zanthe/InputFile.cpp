@@ -1,6 +1,7 @@
 #include "tools/zanthe/InputFile.h"
 
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
 #include <fcntl.h>
@@ -46,6 +47,13 @@ void RequireReadableFile(const std::string& path) {
     }
     if (status.st_size == 0) {
         throw CommandError(path, "is empty");
+    }
+}
+
+void RequireOtherFile(const std::string& input, const std::string& output) {
+    std::error_code noSuchFile;
+    if (std::filesystem::equivalent(input, output, noSuchFile)) {
+        throw CommandError(output, "is the input file itself");
     }
 }
 

@@ -11,4 +11,8 @@ namespace Program {
 // "permission denied", or the system's own text.
 void RequireReadableFile(const std::string& path);
 
+// Returns when `output` is not the file `input`, by whatever names. Throws CommandError otherwise:
+// a slip on the command line must not cost a song.
+void RequireOtherFile(const std::string& input, const std::string& output);
+
 } // namespace Program

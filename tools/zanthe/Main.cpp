@@ -49,9 +49,9 @@ constexpr std::uint64_t MaxFrame = 400'000'000'000;
 constexpr std::uint64_t MaxSeeks = 1'000'000'000;
 
 void AddRate(CLI::App& command, int& rate) {
-    command.add_option("--rate", rate, "Sample rate of what is read, in Hz, 1 to 768000")
+    command.add_option("--rate", rate, "Sample rate of what is read, in Hz, 1000 to 768000")
         ->type_name("HZ")
-        ->transform(WholeNumber(1, 768000))
+        ->transform(WholeNumber(1000, 768000))
         ->capture_default_str();
 }
 
@@ -77,8 +77,10 @@ CLI::App* AddAudio(CLI::App& app, Program::AudioRequest& request) {
         ->transform(WholeNumber(0, MaxFrame));
     AddRate(*command, request.rate);
     command
-        ->add_option("--track", request.track,
-                     "Number of the sound track, counted from 0 (default: the first)")
+        ->add_option(
+            "--track", request.track,
+            "Number of the sound track, counted from 0 (default: the first); an MP3 file has "
+            "one, whatever is given")
         ->type_name("N")
         ->transform(WholeNumber(0, std::numeric_limits<int>::max()));
     command->add_flag("--float", request.isFloat, "Write 32 bit floats (default: 16 bit integers)");
