@@ -8,9 +8,10 @@
 namespace av {
 
 // Opens the regular file named `path`, whatever characters the name has: a colon in it does not
-// make it an address, and no other file is read, whatever this one refers to. `context` owns an allocated context on
-// entry; it is empty after a failure. Answers 0 or a negative FFmpeg code (AVERROR(EINVAL) for what
-// is there but is no regular file: a folder, a device, a pipe that would block).
+// make it an address, and no other file is read, whatever this one refers to. `context` owns an
+// allocated context on entry; it is empty after a failure. Answers 0 or a negative FFmpeg code
+// (AVERROR(EINVAL) for what is there but is no regular file: a folder, a device, a pipe that would
+// block).
 int OpenInput(FormatContextPtr& context, const std::string& path);
 
 // Whether a file's edit lists shape the times and the samples of its tracks.
