@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <mutex>
@@ -54,6 +56,29 @@ int ConfineToFile(AVFormatContext& context) {
     return av_opt_set(&context, "protocol_whitelist", kNoProtocol, 0);
 }
 
+// Formats that hold nothing themselves but name other files. They could serve nothing here, and a
+// playlist without an end would be waited on for ever.
+bool IsListOfFiles(const AVInputFormat& format) {
+    constexpr std::array kLists = {"concat", "dash", "hls", "imf"};
+    return std::any_of(kLists.begin(), kLists.end(),
+                       [&](const char* name) { return std::strcmp(format.name, name) == 0; });
+}
+
+// What the file's bytes look like. Answers 0 or a negative FFmpeg code.
+int Probe(const std::string& url, const AVInputFormat*& format) {
+    AVIOContext* raw = nullptr;
+    if (const int error = avio_open2(&raw, url.c_str(), AVIO_FLAG_READ, nullptr, nullptr);
+        error < 0) {
+        return error;
+    }
+    const IoContextPtr file(raw);
+    const int score = av_probe_input_buffer2(raw, &format, url.c_str(), nullptr, 0, 0);
+    if (score < 0) {
+        return score;
+    }
+    return IsListOfFiles(*format) ? AVERROR_INVALIDDATA : 0;
+}
+
 // `format` null: whatever the file's bytes look like. Options that nobody takes are no error.
 int OpenAs(FormatContextPtr& context, const std::string& path, const AVInputFormat* format,
            DictionaryPtr options) {
@@ -61,15 +86,22 @@ int OpenAs(FormatContextPtr& context, const std::string& path, const AVInputForm
     if (!context) {
         return AVERROR(ENOMEM);
     }
-    const int unfit = CheckRegularFile(path);
-    if (const int error = unfit < 0 ? unfit : ConfineToFile(*context); error < 0) {
+    const std::string url = "file:" + path;
+    int error = CheckRegularFile(path);
+    if (error >= 0 && format == nullptr) {
+        error = Probe(url, format);
+    }
+    if (error >= 0) {
+        error = ConfineToFile(*context);
+    }
+    if (error < 0) {
         context.reset();
         return error;
     }
     // avformat_open_input frees the context itself when it fails, and changes the dictionary.
     AVFormatContext* raw = context.release();
     AVDictionary* rawOptions = options.release();
-    const int result = avformat_open_input(&raw, ("file:" + path).c_str(), format, &rawOptions);
+    const int result = avformat_open_input(&raw, url.c_str(), format, &rawOptions);
     options.reset(rawOptions);
     context.reset(raw);
     return result;

@@ -52,7 +52,9 @@ TEST_F(OpenInputFiles, ReadsNoOtherFileThatThisOneRefersTo) {
          {"ffconcat version 1.0\nfile 'other.mp3'\n" + std::string(),
           "ffconcat version 1.0\nfile '" + other + "'\n", playlist + "other.mp3\n#EXT-X-ENDLIST\n",
           playlist + "file:" + other + "\n#EXT-X-ENDLIST\n",
-          playlist + "http://127.0.0.1:9/a.mp3\n#EXT-X-ENDLIST\n"}) {
+          playlist + "http://127.0.0.1:9/a.mp3\n#EXT-X-ENDLIST\n",
+          // Without an end: it may grow, and would be waited on.
+          playlist + "other.mp3\n", playlist + "list.mp3\n", playlist + "none.mp3\n"}) {
         FormatContextPtr context(avformat_alloc_context());
         const bool opened = OpenInput(context, m_folder.Write("list.mp3", text)) >= 0;
         const bool served = opened && avformat_find_stream_info(context.get(), nullptr) >= 0 &&

@@ -50,7 +50,7 @@ std::int64_t AudioPipeline::fill(Buffer& request) {
     std::int64_t backoff =
         std::max(ScalePosition(preRoll(), m_outputRate, m_inputRate), std::int64_t{1});
     while (!fillFrom(backoff, request)) {
-        backoff *= 2;
+        backoff = backoff > request.start / 2 ? request.start : backoff * 2;
     }
     silenceFront(request);
     return m_filled.start == request.start ? m_filled.length : 0;

@@ -52,6 +52,7 @@ Decoder::Decoder(const std::string& path)
     : m_packets(path)
     , m_codec(m_packets.stream(), readStartSkip())
     , m_clock(m_packets.stream())
+    , m_channels(m_packets.stream().codecpar->ch_layout.nb_channels)
     , m_warmUp(*m_packets.stream().codecpar)
     , m_frame{av::FramePtr(av_frame_alloc())} {
     if (!m_frame.frame) {
@@ -101,7 +102,8 @@ void Decoder::deliver(std::int64_t packetStart,
     m_frame.startFrame = std::max(packetStart, m_codec.startSkip());
     const std::int64_t decodedStart =
         packetStart == kUnknownStart ? m_frame.startFrame : packetStart;
-    const FrameRange decoded{decodedStart, frame.nb_samples - PaddingAtEnd(frame)};
+    const FrameRange decoded{decodedStart,
+                             std::max(frame.nb_samples - PaddingAtEnd(frame), std::int64_t{0})};
     const FrameRange kept = RangeBetween(m_frame.startFrame, decoded.End());
     if (!callback || kept.length == 0) {
         return;
@@ -116,10 +118,6 @@ void Decoder::seek(std::int64_t frame) {
     m_codec.flush();
     m_warmUp.restart();
     m_packets.seek(m_clock.timestampOfFrame(frame));
-}
-
-int Decoder::channels() const {
-    return m_packets.stream().codecpar->ch_layout.nb_channels;
 }
 
 int Decoder::sampleRate() const {

@@ -42,7 +42,8 @@ public:
     // read from the start of the file; the largest position while it is not known yet.
     std::int64_t settledFrom() const { return m_warmUp.settledFrom(); }
 
-    int channels() const;   // of the stream, at least 1
+    int channels() const { return m_channels; } // of the stream when it was opened, at least 1
+
     int sampleRate() const; // Hz, at least 1
 
     std::int64_t bitRate() const { return m_packets.bitRate(); } // of the file, bits per second
@@ -64,6 +65,7 @@ private:
     av::WorkCounters m_counters;
     CodecStage m_codec;
     FrameClock m_clock;
+    int m_channels; // kept, for a demuxer may change the stream's own while it reads
     WarmUp m_warmUp;
     FrameHolder m_frame;
 };

@@ -31,7 +31,12 @@ void Resampler::restart(std::int64_t start, std::int64_t offset) {
     reset();
     m_impl->setOutPosition(from.outPosition);
     m_impl->setTrimPosition(from.trimPosition);
-    m_impl->resampleChunked(Buffer(m_inChannels, from.padding), [](const Buffer&) {});
+    // Piece by piece: coprime rates ask for a second of it, times the channels that a header
+    // claims.
+    const Buffer silence(m_inChannels, std::min<std::int64_t>(from.padding, m_maxSamples));
+    for (std::int64_t left = from.padding; left > 0; left -= silence.frames()) {
+        m_impl->resampleChunked(silence.slice(0, left), [](const Buffer&) {});
+    }
 }
 
 void Resampler::convert(const Buffer& input, const Sink& sink) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <stdexcept>
 
 extern "C" {
@@ -55,6 +56,9 @@ ResamplerImpl::ResamplerImpl(int inChannels, int inRate, int outRate, int maxSam
     , m_inRate(inRate)
     , m_outRate(outRate)
     , m_maxSamples(maxSamples) {
+    if (!m_context) {
+        throw std::bad_alloc();
+    }
     configure();
     // A converter that was not initialised must not even be asked for its output size.
     if (hasUsualRate() && swr_init(m_context.get()) >= 0 &&
