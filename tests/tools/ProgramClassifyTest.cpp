@@ -45,8 +45,8 @@ TEST(ProgramClassify, TellsEveryAnswerInColumns) {
           "\n  video samples   Media Foundation  DirectShow\n",
           "\n  detection       Media Foundation  DirectShow\n",
           "\naudio route       Media Foundation\n", "\nMP4               yes\n",
-          "\n  track 1         video avc1 \"H.264 ( QuickTime )\", shown 64x48, coded 64x48, "
-          "pixel aspect 1:1, matrix [0 -1; 1 0], volume 0\n",
+          "\n  track 1         video avc1 \"H.264 ( QuickTime )\", shown 64x48, coded 64x48, ",
+          ", coded 64x48, pixel aspect 1:1, matrix [0 -1; 1 0], volume 0\n",
           "\nstreams           video avc1, audio mp4a\n",
           "\norientation       [0 -1; 1 0], size 64x48, turn by 90 degrees\n"}) {
         EXPECT_THAT(text, HasSubstr(line));

@@ -49,9 +49,9 @@ TEST_F(OpenInputFiles, ReadsNoOtherFileThatThisOneRefersTo) {
     const std::string other = m_folder / "other.mp3";
     const std::string playlist = "#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXTINF:6,\n";
     for (const std::string& text :
-         {"ffconcat version 1.0\nfile 'other.mp3'\n" + std::string(),
+         {std::string("ffconcat version 1.0\nfile 'other.mp3'\n"),
           "ffconcat version 1.0\nfile '" + other + "'\n", playlist + "other.mp3\n#EXT-X-ENDLIST\n",
-          playlist + "file:" + other + "\n#EXT-X-ENDLIST\n",
+          playlist + std::string("file:").append(other) + "\n#EXT-X-ENDLIST\n",
           playlist + "http://127.0.0.1:9/a.mp3\n#EXT-X-ENDLIST\n",
           // Without an end: it may grow, and would be waited on.
           playlist + "other.mp3\n", playlist + "list.mp3\n", playlist + "none.mp3\n"}) {

@@ -40,6 +40,7 @@ std::int64_t PaddingAtEnd(const AVFrame& frame) {
 
 std::vector<float*> Planes(const AVFrame& frame, std::int64_t from) {
     std::vector<float*> planes;
+    planes.reserve(static_cast<std::size_t>(frame.ch_layout.nb_channels));
     for (int i = 0; i < frame.ch_layout.nb_channels; ++i) {
         planes.push_back(reinterpret_cast<float*>(frame.extended_data[i]) + from);
     }

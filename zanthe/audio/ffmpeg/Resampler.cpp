@@ -7,7 +7,7 @@ namespace FFMPEGDecoder {
 
 ResampleStart ResampleStart::at(std::int64_t start, std::int64_t offset, int inRate, int outRate) {
     const std::int64_t common = outRate == 0 ? inRate : std::gcd(outRate, inRate);
-    const std::int64_t step = inRate / common;
+    const std::int64_t step = std::max<std::int64_t>(inRate / common, 1);
     const std::int64_t padding = (step + (start - offset) % step) % step;
     const std::int64_t outPosition = ScalePosition(start - padding - offset, outRate, inRate);
     return {padding, outPosition, ScalePosition(padding, outRate, inRate) + outPosition};

@@ -35,6 +35,7 @@ std::int64_t LayoutOf(int channels) {
 
 std::vector<const std::uint8_t*> InputPlanes(const Buffer& input, int count) {
     std::vector<const std::uint8_t*> planes;
+    planes.reserve(static_cast<std::size_t>(count));
     const auto& channels = input.channels();
     for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
         const Channel& channel = channels[std::min(i, channels.size() - 1)];
