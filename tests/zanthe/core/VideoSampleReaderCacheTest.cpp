@@ -1,48 +1,23 @@
 #include "zanthe/core/VideoSampleReaderCache.h"
 
+#include <atomic>
 #include <stdexcept>
 #include <tuple>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/zanthe/core/CountedReader.h"
+
 using testing::ElementsAre;
 
 namespace Zanthe {
 namespace {
 
-// A reader that counts itself among the living.
-class CountedReader : public VideoSampleReader {
-public:
-    explicit CountedReader(int& living)
-        : m_living(living) {
-        ++m_living;
-    }
-
-    ~CountedReader() override { --m_living; }
-
-    // VideoSampleReader
-    int outputWidth() const override { return 4; }
-
-    int outputHeight() const override { return 2; }
-
-    VideoSample* readVideoSample(MediaTime, std::function<void(unsigned char*, int)>,
-                                 VideoSampleReaderFlags) override {
-        return nullptr;
-    }
-
-    bool requiresFlagSometimesToActuallyGetSamples() override { return false; }
-
-    bool requiresMediaOrientationTransformation() override { return false; }
-
-private:
-    int& m_living;
-};
-
 class CountingFactory : public DecoderFactory {
 public:
     std::vector<std::tuple<std::string, int, bool>> calls;
-    int living = 0;
+    std::atomic<int> living = 0;
     bool fails = false;
     bool answersNull = false;
 

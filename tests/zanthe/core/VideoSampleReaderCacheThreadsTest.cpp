@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/zanthe/core/CountedReader.h"
 #include "zanthe/core/VideoSampleReaderCache.h"
 
 namespace Zanthe {
@@ -14,33 +15,6 @@ namespace {
 constexpr int Threads = 4;
 constexpr int Rounds = 400;
 const std::array<std::string, 3> Paths{"a.mp4", "b.mp4", "c.mov"};
-
-class CountedReader : public VideoSampleReader {
-public:
-    explicit CountedReader(std::atomic<int>& living)
-        : m_living(living) {
-        ++m_living;
-    }
-
-    ~CountedReader() override { --m_living; }
-
-    // VideoSampleReader
-    int outputWidth() const override { return 4; }
-
-    int outputHeight() const override { return 2; }
-
-    VideoSample* readVideoSample(MediaTime, std::function<void(unsigned char*, int)>,
-                                 VideoSampleReaderFlags) override {
-        return nullptr;
-    }
-
-    bool requiresFlagSometimesToActuallyGetSamples() override { return false; }
-
-    bool requiresMediaOrientationTransformation() override { return false; }
-
-private:
-    std::atomic<int>& m_living;
-};
 
 // Its count is a plain integer on purpose: only the pool's lock guards it.
 class UnguardedFactory : public DecoderFactory {

@@ -160,7 +160,7 @@ TEST(AudioPipeline, CostOfAReadDoesNotGrowWithItsPosition) {
     FFMPEGDecoder::AudioPipeline pipeline(MadeMedia("tone-44100-stereo-cbr128.mp3"), 44100);
     const auto costAt = [&](std::int64_t start) {
         const av::WorkCounters before = pipeline.counters();
-        FFMPEGDecoder::Buffer request(2, 1152 * 10);
+        FFMPEGDecoder::Buffer request(2, std::int64_t{1152} * 10);
         request.start = start;
         EXPECT_EQ(pipeline.fill(request), 1152 * 10);
         EXPECT_EQ(pipeline.counters().seeks, before.seeks + 1);
@@ -187,7 +187,7 @@ TEST(AudioPipeline, LowBitRatesReachFurtherBack) {
 TEST(AudioPipeline, SmallFramesReachFurtherBackWhateverTheAverage) {
     FFMPEGDecoder::AudioPipeline pipeline(MadeMedia("pauses-44100-stereo-vbr.mp3"), 44100);
     std::int64_t furthest = 0;
-    for (std::int64_t start = 20000; start < 11 * 44100; start += 1152) {
+    for (std::int64_t start = 20000; start < std::int64_t{11} * 44100; start += 1152) {
         const av::WorkCounters before = pipeline.counters();
         FFMPEGDecoder::Buffer request(2, 1152);
         request.start = start;

@@ -26,7 +26,8 @@ Buffer Sweep(int channels, std::int64_t start, std::int64_t frames) {
         float* data = buffer.channels()[c].data();
         for (std::int64_t i = 0; i < frames; ++i) {
             const double t = static_cast<double>(start + i) / 44100.0;
-            data[i] = static_cast<float>(0.5 * std::sin((700.0 + 300.0 * t) * (c + 1.0) * t));
+            data[i] = static_cast<float>(
+                0.5 * std::sin((700.0 + 300.0 * t) * (static_cast<double>(c) + 1.0) * t));
         }
     }
     return buffer;
@@ -61,7 +62,8 @@ TEST(ResampleStart, EqualRatesNeedNoSilence) {
 }
 
 TEST(ResampleStart, OnTheGridNeedsNoSilence) {
-    EXPECT_EQ(ResampleStart::at(147 * 7, 0, 44100, 48000), (ResampleStart{0, 1120, 1120}));
+    EXPECT_EQ(ResampleStart::at(std::int64_t{147} * 7, 0, 44100, 48000),
+              (ResampleStart{0, 1120, 1120}));
 }
 
 TEST(ResampleStart, CoprimeRatesReachBackUpToASecond) {
