@@ -81,10 +81,11 @@ PicturePtr FileVideoStream::Find(std::int64_t time) {
 PicturePtr FileVideoStream::Decode(std::int64_t time) {
     m_gaveOut = false;
     // Who steps back will ask for the pictures before this one next.
-    const std::int64_t keepFrom = StepsBack(time) ? WindowBefore(time) : time;
+    std::int64_t keepFrom = StepsBack(time) ? WindowBefore(time) : time;
     if (!LeadsTo(time) && !Land(time, keepFrom, false)) {
         return nullptr;
     }
+    keepFrom = m_landing.LiesFurtherBack() ? time : keepFrom;
     PicturePtr picture = ReadOn(time, keepFrom);
     if (picture != nullptr && m_run.HasLost(*picture)) {
         return Land(time, keepFrom, true) ? ReadOn(time, keepFrom) : nullptr;
