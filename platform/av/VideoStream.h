@@ -3,7 +3,8 @@
 //     auto stream = VideoStream::Open(path, {});
 //     stream->Seek(50'000'000);                 // 5 s
 //     PicturePtr picture;
-//     while (stream->Read(picture) == ReadResult::Picture) { ... }  // the one shown at 5 s is first
+//     while (stream->Read(picture) == ReadResult::Picture) { ... }  // the one shown at 5 s is
+//     first
 #pragma once
 
 #include <cstdint>
@@ -17,7 +18,7 @@
 namespace av {
 
 struct VideoOptions {
-    int ordinal = 0;               // which of the file's video streams, attached pictures not counted
+    int ordinal = 0; // which of the file's video streams, attached pictures not counted
     AVBufferRef* device = nullptr; // borrowed: decode on this FFmpeg hardware device where it can
 };
 
