@@ -68,7 +68,7 @@ HRESULT VideoSamples::MakeSample(const av::PicturePtr& picture, com::ComPtr<IMFS
         const PixelSize own{picture->Width(), picture->Height()};
         m_inMemory = SizeIn(m_format.layout, m_format.size.value_or(own));
     }
-    m_rules = ColourRulesOf(picture->Frame());
+    m_rules = av::ColourRulesOf(picture->Frame());
     com::ComPtr<IMFMediaBuffer> buffer;
     HRESULT result = CreatePictureBuffer(picture, m_format.layout, *m_inMemory,
                                          m_format.device.Get(), buffer.Put());
