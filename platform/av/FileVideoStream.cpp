@@ -38,6 +38,7 @@ FileVideoStream::FileVideoStream(std::unique_ptr<Demuxer> demuxer,
     , m_run(m_feed, *m_decoder, m_demuxer->Stream())
     , m_landing(*m_demuxer, m_feed, m_run.Clock(), m_demuxer->Stream().codecpar->video_delay)
     , m_facts(ReadVideoFacts(m_demuxer->Format(), m_demuxer->Stream()))
+    , m_file(FactsOf(m_demuxer->Format()))
     , m_owner(PictureCache::NewOwner())
     , m_next(kBeginning) {}
 
