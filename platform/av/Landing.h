@@ -25,8 +25,9 @@ public:
         Nowhere,  // the file cannot be read any more
     };
 
-    // `reorder`: by how many places pictures move between decoding and presentation.
-    Landing(Demuxer& demuxer, PacketFeed& feed, const PictureClock& clock, int reorder)
+    // `reorder`: by how many places pictures move between decoding and presentation; 0 where it
+    // does not matter.
+    Landing(Demuxer& demuxer, PacketFeed& feed, const PictureClock& clock, int reorder = 0)
         : m_demuxer(demuxer)
         , m_feed(feed)
         , m_clock(clock)
