@@ -11,7 +11,9 @@ namespace av {
 namespace {
 
 constexpr std::int64_t kSecond = 10'000'000;
-constexpr std::int64_t kBeginning = std::numeric_limits<std::int64_t>::min();
+// No picture lies outside of these, and sums with them stay in range.
+constexpr std::int64_t kBeginning = std::numeric_limits<std::int64_t>::min() / 4;
+constexpr std::int64_t kForever = std::numeric_limits<std::int64_t>::max() / 4;
 
 bool Covers(const PicturePtr& picture, std::int64_t time) {
     return picture != nullptr && picture->Start() <= time && time < picture->End();
@@ -47,7 +49,7 @@ FileVideoStream::~FileVideoStream() {
 }
 
 bool FileVideoStream::Seek(std::int64_t time) {
-    m_next = time;
+    m_next = std::clamp(time, kBeginning, kForever);
     return true;
 }
 
