@@ -115,7 +115,8 @@ TEST_F(VideoSampleOverMf, References) {
 
 TEST_F(VideoSampleOverMf, WithoutABuffer) {
     const auto bare = com::MakeOwned<ScriptedSample>(0, 1);
-    for (IMFSample* sample : {static_cast<IMFSample*>(bare.Get()), static_cast<IMFSample*>(nullptr)}) {
+    for (IMFSample* sample :
+         {static_cast<IMFSample*>(bare.Get()), static_cast<IMFSample*>(nullptr)}) {
         try {
             const MFVideoSample none(sample, 1, 1);
             FAIL();
