@@ -220,12 +220,15 @@ TEST(SourceReader, ConvertsOnTheFirstLockOnly) {
     EXPECT_EQ(av::PicturesConverted(), before);
     com::ComPtr<IMFMediaBuffer> buffer;
     ASSERT_EQ(samples[5]->GetBufferByIndex(0, buffer.Put()), S_OK);
-    for (int turn = 0; turn < 3; ++turn) {
+    const auto lockAndCount = [&] {
         const mf::BufferLock lock(*buffer);
-        ASSERT_EQ(lock.Result(), S_OK);
-        EXPECT_EQ(lock.Bytes()[0], turn); // a caller's writing stays
-        lock.Bytes()[0] = static_cast<BYTE>(turn + 1);
-    }
+        EXPECT_EQ(lock.Result(), S_OK);
+        return lock.Bytes()[0]++;
+    };
+    const int first = lockAndCount();
+    // What a caller wrote stays.
+    EXPECT_EQ(lockAndCount(), static_cast<BYTE>(first + 1));
+    EXPECT_EQ(lockAndCount(), static_cast<BYTE>(first + 2));
     EXPECT_EQ(av::PicturesConverted(), before + 1);
     EXPECT_EQ(buffer->Unlock(), E_UNEXPECTED);
 }
