@@ -49,7 +49,13 @@ CodecContextPtr StartCodec(const std::string& name, CodecUse use) {
     }
     DescribeSmallPicture(*context, *codec);
     context->thread_count = 1;
-    return avcodec_open2(context.get(), codec, nullptr) < 0 ? nullptr : std::move(context);
+    // This encoder writes to standard error by itself, past FFmpeg's level; others leave the
+    // option.
+    AVDictionary* options = nullptr;
+    av_dict_set(&options, "x265-params", "log-level=none", 0);
+    const int result = avcodec_open2(context.get(), codec, &options);
+    const DictionaryPtr unused(options);
+    return result < 0 ? nullptr : std::move(context);
 }
 
 } // namespace av

@@ -1,6 +1,7 @@
 #include "platform/mp4v2/Mp4v2.h"
 
 #include <memory>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -56,25 +57,34 @@ TEST(Mp4v2, TwoTracksOfSound) {
     EXPECT_TRUE(MP4HaveTrackAtom(file.get(), second, Mp4a));
 }
 
-// Four pictures, ten a second; the key frames are every `keyInterval`th.
-void ExpectFourPictures(MP4FileHandle file, unsigned int keyInterval) {
+// `count` pictures, `rate` a second; the key frames are every `keyInterval`th.
+void ExpectPictures(const std::string& path, MP4SampleId count, unsigned int rate,
+                    unsigned int keyInterval) {
+    const File opened(MP4Read(path.c_str()));
+    const MP4FileHandle file = opened.get();
     const MP4TrackId track = MP4FindTrackId(file, 0, MP4_VIDEO_TRACK_TYPE, 0);
-    const std::uint32_t scale = MP4GetTrackTimeScale(file, track);
+    const std::uint64_t scale = MP4GetTrackTimeScale(file, track);
     ASSERT_NE(scale, 0U);
-    EXPECT_EQ(MP4GetTrackDuration(file, track), std::uint64_t{scale} * 4 / 10);
-    ASSERT_EQ(MP4GetTrackNumberOfSamples(file, track), 4U);
-    for (MP4SampleId sample = 1; sample <= 4; ++sample) {
+    EXPECT_EQ(MP4GetTrackDuration(file, track), scale * count / rate);
+    ASSERT_EQ(MP4GetTrackNumberOfSamples(file, track), count);
+    for (MP4SampleId sample = 1; sample <= count; ++sample) {
         EXPECT_EQ(MP4GetSampleSync(file, track, sample), (sample - 1) % keyInterval == 0) << sample;
-        EXPECT_EQ(MP4GetSampleTime(file, track, sample), std::uint64_t{scale} * (sample - 1) / 10);
+        EXPECT_EQ(MP4GetSampleTime(file, track, sample), scale * (sample - 1) / rate) << sample;
     }
 }
 
 TEST(Mp4v2, SamplesOfATrack) {
-    ExpectFourPictures(File(MP4Read(MadeMedia("mp4-plain.mp4").c_str())).get(), 4);
+    ExpectPictures(MadeMedia("mp4-plain.mp4"), 4, 10, 4);
+    ExpectPictures(MadeMedia("h264/plain.mp4"), 96, 24, 24);
+}
+
+// What an edit list cuts away is there all the same, and it shifts nothing.
+TEST(Mp4v2, SamplesBehindAnEditList) {
+    ExpectPictures(MadeMedia("h264/edit-later.mp4"), 96, 24, 24);
 }
 
 TEST(Mp4v2, SamplesInFragments) {
-    ExpectFourPictures(File(MP4Read(MadeMedia("mp4-fragmented.mp4").c_str())).get(), 2);
+    ExpectPictures(MadeMedia("h264/fragmented.mp4"), 96, 24, 24);
 }
 
 TEST(Mp4v2, SamplesThatAreNotThere) {
