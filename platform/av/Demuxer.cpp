@@ -27,6 +27,16 @@ void DiscardOthers(AVFormatContext& format, int kept) {
     }
 }
 
+// Times that nothing can be added to are none.
+void DropBoundlessTimes(AVPacket& packet) {
+    constexpr std::int64_t kMost = std::int64_t{1} << 60;
+    for (std::int64_t* time : {&packet.pts, &packet.dts}) {
+        if (*time > kMost || *time < -kMost) {
+            *time = AV_NOPTS_VALUE;
+        }
+    }
+}
+
 bool HasSideData(const AVPacket& packet, AVPacketSideDataType type) {
     return av_packet_get_side_data(&packet, type, nullptr) != nullptr;
 }
@@ -98,6 +108,7 @@ bool Demuxer::ReadFromFile(AVPacket& packet) {
         if (result < 0) {
             ++errors;
         } else if (packet.stream_index == m_stream && packet.size > 0) {
+            DropBoundlessTimes(packet);
             return true;
         }
     }
