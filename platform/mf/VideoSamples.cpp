@@ -15,34 +15,51 @@ namespace mf {
 // first, a picture shown in [start, end) becomes a sample of time start that lasts to end - 1,
 // where the next one, taken that way, begins. Nothing follows the last picture, so it keeps the
 // whole of its time.
-LONGLONG VideoSamples::DurationOf(const av::Picture& picture) const {
-    const LONGLONG whole = picture.End() - picture.Start();
-    return m_stream.AtEnd() ? whole : std::max<LONGLONG>(whole - 1, 1);
+LONGLONG VideoSamples::DurationOf(const av::PicturePtr& picture) const {
+    const LONGLONG whole = picture->End() - picture->Start();
+    return m_lastGiven || m_stream.AtEnd() ? whole : std::max<LONGLONG>(whole - 1, 1);
 }
 
 HRESULT VideoSamples::SetPosition(LONGLONG position) {
     m_position = std::min(position, std::numeric_limits<LONGLONG>::max() - 1);
+    m_lastGiven = false;
     return S_OK;
+}
+
+av::ReadResult VideoSamples::ReadPicture(av::PicturePtr& picture) {
+    if (m_lastGiven) {
+        return av::ReadResult::End;
+    }
+    if (!m_position) {
+        return m_stream.Read(picture);
+    }
+    const LONGLONG position = *m_position;
+    m_position.reset();
+    return m_last.IsAtOrBefore(position) ? ReadLast(position, picture)
+                                         : ReadAtPosition(position, picture);
 }
 
 // By the same rule the sample that holds a position is the picture shown one unit later; behind the
 // last picture's last unit there is none, and the position itself is asked for.
-av::ReadResult VideoSamples::ReadPicture(av::PicturePtr& picture) {
-    if (!m_position) {
-        return m_stream.Read(picture);
-    }
-    for (const LONGLONG time : {*m_position + 1, *m_position}) {
+av::ReadResult VideoSamples::ReadAtPosition(LONGLONG position, av::PicturePtr& picture) {
+    for (const LONGLONG time : {position + 1, position}) {
         if (!m_stream.Seek(time)) {
             return av::ReadResult::Failed;
         }
         const av::ReadResult result = m_stream.Read(picture);
         if (result != av::ReadResult::End) {
-            m_position.reset();
             return result;
         }
     }
-    m_position.reset();
-    return av::ReadResult::End;
+    return ReadLast(position, picture);
+}
+
+// A reader must learn from its next sample where it is, or it takes itself to be at the start and
+// waits there for what comes no more. So it gets a sample before the position, the last one.
+av::ReadResult VideoSamples::ReadLast(LONGLONG position, av::PicturePtr& picture) {
+    picture = m_last.Find(m_shown, position);
+    m_lastGiven = true;
+    return picture != nullptr ? av::ReadResult::Picture : av::ReadResult::End;
 }
 
 SampleRead VideoSamples::Read() {
@@ -56,6 +73,7 @@ SampleRead VideoSamples::Read() {
         read.result = E_FAIL;
     } else {
         const bool first = !m_inMemory;
+        m_shown = picture->Start();
         read.time = picture->Start();
         read.result = MakeSample(picture, read.sample);
         read.flags = first ? MF_SOURCE_READERF_CURRENTMEDIATYPECHANGED : 0;
@@ -79,7 +97,7 @@ HRESULT VideoSamples::MakeSample(const av::PicturePtr& picture, com::ComPtr<IMFS
         return result;
     }
     sample->SetSampleTime(picture->Start());
-    sample->SetSampleDuration(DurationOf(*picture));
+    sample->SetSampleDuration(DurationOf(picture));
     result = sample->AddBuffer(buffer.Get());
     if (FAILED(result)) {
         sample.Reset();

@@ -7,6 +7,7 @@
 #include "platform/av/VideoStream.h"
 #include "platform/mf/HardwareDevice.h"
 #include "platform/mf/ISampleSource.h"
+#include "platform/mf/LastPicture.h"
 #include "platform/mf/PictureBuffer.h"
 
 namespace mf {
@@ -25,7 +26,8 @@ public:
     // `stream` is borrowed and outlives this; nobody else moves it meanwhile.
     VideoSamples(av::VideoStream& stream, VideoFormat format)
         : m_stream(stream)
-        , m_format(std::move(format)) {}
+        , m_format(std::move(format))
+        , m_last(stream) {}
 
     // ISampleSource
     HRESULT SetPosition(LONGLONG position) override;
@@ -34,12 +36,17 @@ public:
 
 private:
     av::ReadResult ReadPicture(av::PicturePtr& picture);
+    av::ReadResult ReadAtPosition(LONGLONG position, av::PicturePtr& picture);
+    av::ReadResult ReadLast(LONGLONG position, av::PicturePtr& picture);
     HRESULT MakeSample(const av::PicturePtr& picture, com::ComPtr<IMFSample>& sample);
-    LONGLONG DurationOf(const av::Picture& picture) const;
+    LONGLONG DurationOf(const av::PicturePtr& picture) const;
 
     av::VideoStream& m_stream;
     VideoFormat m_format;
-    std::optional<LONGLONG> m_position;     // to go to with the next read
+    std::optional<LONGLONG> m_position; // to go to with the next read
+    LONGLONG m_shown = 0;               // when the latest picture is shown
+    LastPicture m_last;
+    bool m_lastGiven = false;               // for a position behind it: nothing follows
     std::optional<PixelSize> m_inMemory;    // of every sample, once there was one
     std::optional<av::ColourRules> m_rules; // of the latest picture
 };

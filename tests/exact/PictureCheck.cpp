@@ -48,6 +48,7 @@ bool IsRatherANeighbour(const BgraPicture& got, const ReferencePictures& referen
                         std::size_t number, double alike) {
     for (const std::size_t other : {number - 1, number + 1}) {
         if (other < reference.Count() && reference.Time(other) != reference.Time(number) &&
+            Psnr(reference.Pixels(number), reference.Pixels(other)) < SamePicture &&
             Psnr(got, reference.Pixels(other)) > alike) {
             return true;
         }

@@ -69,14 +69,20 @@ TEST_P(SampleTimes, SamplesAreTheSameWhateverWasReadBefore) {
     }
 }
 
-TEST_P(SampleTimes, EndsBehindTheLastSample) {
+TEST_P(SampleTimes, EndsWithTheLastSample) {
     const LONGLONG end = m_spans.back().time + m_spans.back().duration;
     for (const LONGLONG position : {end, end + 1, std::numeric_limits<LONGLONG>::max()}) {
         ASSERT_EQ(Seek(*m_reader, position), S_OK);
-        const ReadResult read = ReadNext(*m_reader);
-        EXPECT_EQ(read.result, S_OK);
-        EXPECT_FALSE(read.sample) << position;
-        EXPECT_EQ(read.flags, MF_SOURCE_READERF_ENDOFSTREAM) << position;
+        const ReadResult last = ReadNext(*m_reader);
+        ASSERT_TRUE(last.sample) << position;
+        EXPECT_EQ(TimeOf(*last.sample), m_spans.back().time) << position;
+        EXPECT_EQ(DurationOf(*last.sample), m_spans.back().duration) << position;
+        const ReadResult behind = ReadNext(*m_reader);
+        EXPECT_EQ(behind.result, S_OK);
+        EXPECT_FALSE(behind.sample) << position;
+        EXPECT_EQ(behind.flags, MF_SOURCE_READERF_ENDOFSTREAM) << position;
+        ASSERT_EQ(Seek(*m_reader, m_spans.front().time), S_OK);
+        EXPECT_EQ(ReadNext(*m_reader).time, m_spans.front().time) << position;
     }
 }
 
