@@ -1,6 +1,8 @@
 // The work of all readers of this process together, for tools that look at it from outside.
 //
-//     av::WorkTotals().picturesDecoded.fetch_add(1, std::memory_order_relaxed);
+//     WorkTotals().picturesDecoded.fetch_add(1, std::memory_order_relaxed);
+//
+// Conversions are counted where they are done (PicturesConverted).
 #pragma once
 
 #include <atomic>
@@ -12,7 +14,6 @@ namespace av {
 struct WorkTotal {
     std::atomic<std::int64_t> packetsRead = 0;
     std::atomic<std::int64_t> picturesDecoded = 0;
-    std::atomic<std::int64_t> picturesConverted = 0; // into the pixels that a host gets
     std::atomic<std::int64_t> seeks = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "zanthe/core/WorkReport.h"
 
+#include "platform/av/PictureConversion.h"
 #include "platform/av/WorkTotals.h"
 
 namespace Zanthe {
@@ -8,7 +9,7 @@ WorkDone ReadWorkCounters() {
     const av::WorkTotal& totals = av::WorkTotals();
     return {.packetsRead = totals.packetsRead,
             .picturesDecoded = totals.picturesDecoded,
-            .picturesConverted = totals.picturesConverted,
+            .picturesConverted = av::PicturesConverted(),
             .seeks = totals.seeks};
 }
 
