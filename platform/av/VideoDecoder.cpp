@@ -4,9 +4,9 @@
 
 extern "C" {
 #include <libavutil/hwcontext.h>
+}
 
 #include "platform/av/WorkTotals.h"
-}
 
 namespace av {
 
