@@ -12,7 +12,8 @@
 // A picture of one colour, `width` by `height`, in memory that is larger than it.
 std::unique_ptr<Zanthe::VideoSample> PlainSample(int width, int height, std::uint32_t colour);
 
-// A video in memory that keeps its contract, unless a test bends it. Picture i has the colour i + 1.
+// A video in memory that keeps its contract, unless a test bends it. Picture i has the colour i
+// + 1.
 class ScriptedVideo : public Program::IVideo {
 public:
     // What a bent video does instead of `Honest`; called with the number of the read, from 0.

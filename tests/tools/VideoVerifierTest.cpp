@@ -146,7 +146,8 @@ TEST(VideoVerifier, FindsTheNeighbourAtABoundary) {
 TEST(VideoVerifier, FindsAMissingPicture) {
     ScriptedVideo video(EvenStarts(100), End);
     VideoVerification found;
-    Bend(video, VideoReadKind::Backward, 10, [](const auto&) { return std::nullopt; }, found);
+    Bend(
+        video, VideoReadKind::Backward, 10, [](const auto&) { return std::nullopt; }, found);
     ASSERT_FALSE(found.Equal());
     EXPECT_EQ(found.first->what, VideoDifference::What::Missing);
     EXPECT_EQ(found.first->picture, 89U);
@@ -155,8 +156,9 @@ TEST(VideoVerifier, FindsAMissingPicture) {
 TEST(VideoVerifier, FindsAPictureBehindTheEnd) {
     ScriptedVideo video(EvenStarts(100), End);
     VideoVerification found;
-    Bend(video, VideoReadKind::BehindEnd, 3, [&](const auto&) { return video.PictureOf(99); },
-         found);
+    Bend(
+        video, VideoReadKind::BehindEnd, 3, [&](const auto&) { return video.PictureOf(99); },
+        found);
     ASSERT_FALSE(found.Equal());
     EXPECT_EQ(found.first->what, VideoDifference::What::Extra);
 }
