@@ -1,6 +1,7 @@
 #include "zanthe/h264/ColorConversionInfo.h"
 
-#include "platform/mf/MFAPI.h"
+#include "platform/mf/MediaFormats.h"
+#include "platform/mf/Sample.h"
 
 namespace Zanthe {
 

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "platform/mf/ColorConstants.h"
+#include "platform/mf/MediaFormats.h"
 #include "zanthe/h264/BitStreamReader.h"
 #include "zanthe/h264/NalUnits.h"
 #include "zanthe/h264/SequenceParameterSet.h"

@@ -1,5 +1,7 @@
 #include "zanthe/h264/SequenceHeaders.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "tests/zanthe/h264/ParameterSets.h"
@@ -29,6 +31,12 @@ Blob ColorSet(bool fullRange, std::optional<std::uint8_t> matrix) {
 
 ColorConversionInfo Parse(bool fullRange, std::optional<std::uint8_t> matrix) {
     return ParseColorInfoFromSequenceHeaders(AnnexB(ColorSet(fullRange, matrix)));
+}
+
+Blob Joined(const Blob& first, const Blob& second) {
+    Blob both(first.size() + second.size());
+    std::copy(second.begin(), second.end(), std::copy(first.begin(), first.end(), both.begin()));
+    return both;
 }
 
 TEST(SequenceHeaders, MatrixCoefficients) {
@@ -64,12 +72,9 @@ TEST(SequenceHeaders, BothStartCodes) {
 
 TEST(SequenceHeaders, OnlyTheFirstUnitCounts) {
     const Blob set = AnnexB(ColorSet(true, 1));
-    Blob pictureFirst{0, 0, 0, 1, 0x68, 0xCE, 0x3C, 0x80};
-    pictureFirst.insert(pictureFirst.end(), set.begin(), set.end());
-    EXPECT_EQ(ParseColorInfoFromSequenceHeaders(pictureFirst), Color(Unknown, Unknown));
-    Blob pictureSecond = set;
-    pictureSecond.insert(pictureSecond.end(), {0, 0, 0, 1, 0x68, 0xCE, 0x3C, 0x80});
-    EXPECT_EQ(ParseColorInfoFromSequenceHeaders(pictureSecond), Color(FullRange, Bt709));
+    const Blob pictureSet{0, 0, 0, 1, 0x68, 0xCE, 0x3C, 0x80};
+    EXPECT_EQ(ParseColorInfoFromSequenceHeaders(Joined(pictureSet, set)), Color(Unknown, Unknown));
+    EXPECT_EQ(ParseColorInfoFromSequenceHeaders(Joined(set, pictureSet)), Color(FullRange, Bt709));
 }
 
 TEST(SequenceHeaders, AnUnreferencedSetIsPassedOver) {
