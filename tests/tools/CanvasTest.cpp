@@ -121,6 +121,6 @@ TEST(Scaled, KeepsColoursAndAveragesWhatItShrinks) {
             stripes->GetBits()[i * 4 + channel] = channel == 3 ? 255 : value;
         }
     }
-    const BitmapPtr small = Scaled(*stripes, {16, 16});
+    const BitmapPtr small = Program::Scaled(*stripes, {16, 16});
     EXPECT_NEAR(PixelAt(*small, 8, 8)[0], 127, 12) << "without a filter it were black or white";
 }

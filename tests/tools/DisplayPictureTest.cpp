@@ -17,16 +17,20 @@ using Program::VideoFacts;
 namespace {
 
 // Three by two, numbered 1 2 3 / 4 5 6 in their first bytes.
-RowSample Numbered() {
-    RowSample sample({.width = 3, .height = 2, .pitch = 16, .rows = 2});
+class Numbered : public RowSample {
+public:
+    Numbered();
+};
+
+Numbered::Numbered()
+    : RowSample({.width = 3, .height = 2, .pitch = 16, .rows = 2}) {
     for (int y = 0; y < 2; ++y) {
         for (int x = 0; x < 3; ++x) {
-            sample.bytes[static_cast<std::size_t>(y * 16 + x * 4)] =
+            bytes[static_cast<std::size_t>(y * 16 + x * 4)] =
                 static_cast<unsigned char>(y * 3 + x + 1);
-            sample.bytes[static_cast<std::size_t>(y * 16 + x * 4 + 3)] = 7;
+            bytes[static_cast<std::size_t>(y * 16 + x * 4 + 3)] = 7;
         }
     }
-    return sample;
 }
 
 VideoFacts Facts(int rotation) {
@@ -75,14 +79,14 @@ TEST(DisplaySize, AnAbsurdShapeStaysWithinBounds) {
 }
 
 TEST(AsStored, CopiesWithoutPadding) {
-    RowSample sample = Numbered();
+    Numbered sample;
     const auto bitmap = AsStored(LockedPixels(sample), Facts(90));
     EXPECT_EQ(bitmap->GetWidth(), 3);
     EXPECT_EQ(FirstBytes(*bitmap), (std::vector<int>{1, 2, 3, 4, 5, 6}));
 }
 
 TEST(AsStored, TheFourthByteCountsOnlyWhereItIsAlpha) {
-    RowSample sample = Numbered();
+    Numbered sample;
     VideoFacts facts = Facts(0);
     EXPECT_EQ(AsStored(LockedPixels(sample), facts)->GetBits()[3], 255);
     facts.alpha = Alpha::Straight;
@@ -93,7 +97,7 @@ TEST(AsStored, TheFourthByteCountsOnlyWhereItIsAlpha) {
 }
 
 TEST(AsShown, TurnsClockwise) {
-    RowSample sample = Numbered();
+    Numbered sample;
     const auto turned = [&](int rotation) {
         return FirstBytes(*AsShown(LockedPixels(sample), Facts(rotation)));
     };

@@ -4,6 +4,7 @@
 
 #include "tools/zanthe/CommandError.h"
 #include "tools/zanthe/DecoderVideo.h"
+#include "tools/zanthe/H264Video.h"
 #include "tools/zanthe/InputFile.h"
 #include "tools/zanthe/SampleReaderVideo.h"
 #include "zanthe/analysis/FileClassification.h"
@@ -62,6 +63,16 @@ VideoFacts FactsOf(const std::string& path, const VideoSampleReader& reader) {
     return facts;
 }
 
+// The reader as the class that it is, taken over; null, and nothing taken, when it is another.
+template <typename Reader>
+std::unique_ptr<Reader> CastOwner(std::unique_ptr<VideoSampleReader>& reader) {
+    auto* cast = dynamic_cast<Reader*>(reader.get());
+    if (cast != nullptr) {
+        static_cast<void>(reader.release());
+    }
+    return std::unique_ptr<Reader>(cast);
+}
+
 } // namespace
 
 std::unique_ptr<IVideo> OpenVideo(const std::string& path, const VideoChoice& choice) {
@@ -77,10 +88,11 @@ std::unique_ptr<IVideo> OpenVideo(const std::string& path, const VideoChoice& ch
 
 std::unique_ptr<IVideo> VideoOver(std::unique_ptr<VideoSampleReader> reader,
                                   const VideoFacts& facts) {
-    if (dynamic_cast<VideoDecoderToVideoSampleReader*>(reader.get()) != nullptr) {
-        std::unique_ptr<VideoDecoderToVideoSampleReader> adapter(
-            static_cast<VideoDecoderToVideoSampleReader*>(reader.release()));
+    if (auto adapter = CastOwner<VideoDecoderToVideoSampleReader>(reader)) {
         return std::make_unique<DecoderVideo>(std::move(adapter), facts);
+    }
+    if (auto h264 = CastOwner<Zanthe::WinH264SampleReader>(reader)) {
+        return std::make_unique<H264Video>(std::move(h264), facts);
     }
     return std::make_unique<SampleReaderVideo>(std::move(reader), facts);
 }
