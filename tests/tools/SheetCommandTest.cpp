@@ -68,7 +68,7 @@ TEST(WriteSheet, EveryCellHasItsPictureAndItsTime) {
     }
     EXPECT_TRUE(ShowsSomething(sheet, layout.title));
     EXPECT_EQ(out.str().substr(request.output.size()),
-              ": 216 x 112, 4 pictures from 0:00:00.250 to 0:00:01.750\n");
+              ": 216 x 116, 4 pictures from 0:00:00.250 to 0:00:01.750\n");
 }
 
 TEST(WriteSheet, TheCellsHaveTheShapeThatIsShown) {

@@ -83,14 +83,18 @@ TEST(TimeText, PrintsFractionsAndClocks) {
     EXPECT_EQ(FractionText(MediaTime(1001, 30000)), "1001/30000");
     EXPECT_EQ(FractionText(MediaTime(4, 2)), "2");
     EXPECT_EQ(ClockText(0), "0:00:00.000");
-    EXPECT_EQ(ClockText(37'230'009'999), "1:02:03.000");
-    EXPECT_EQ(ClockText(9'999'999), "0:00:00.999");
+    EXPECT_EQ(ClockText(37'230'000'000), "1:02:03.000");
+    EXPECT_EQ(ClockText(37'230'000'001), "1:02:03.001");
+    EXPECT_EQ(ClockText(9'999'999), "0:00:01.000");
 }
 
-// 33367/1000000 of a second, as a double times ten million, is a hair below 333670.
-TEST(TimeText, LooksForTheUnitsThatAReaderCounts) {
+TEST(TimeText, LooksForTheWholeUnits) {
     EXPECT_EQ(Program::UnitsLookedFor(MediaTime(1, 3)), 3333333);
+    EXPECT_EQ(Program::UnitsLookedFor(MediaTime(2, 3)), 6666666);
     EXPECT_EQ(Program::UnitsLookedFor(MediaTime(5)), 50'000'000);
-    const std::int64_t units = Program::UnitsLookedFor(Program::TimeOfUnits(333'670));
-    EXPECT_TRUE(units == 333'670 || units == 333'669) << units;
+    // By way of a double it were a unit less.
+    EXPECT_EQ(Program::UnitsLookedFor(MediaTime(41, 25)), 16'400'000);
+    for (std::int64_t units = 0; units < 100'000'000; units += 33'367) {
+        EXPECT_EQ(Program::UnitsLookedFor(Program::TimeOfUnits(units)), units);
+    }
 }

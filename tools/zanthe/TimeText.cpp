@@ -166,7 +166,8 @@ std::string FractionText(const MediaTime& time) {
 }
 
 std::string ClockText(std::int64_t units) {
-    const std::int64_t milliseconds = units / (UnitsPerSecond / 1000);
+    constexpr std::int64_t unitsPerMillisecond = UnitsPerSecond / 1000;
+    const std::int64_t milliseconds = (units + unitsPerMillisecond - 1) / unitsPerMillisecond;
     const std::int64_t seconds = milliseconds / 1000;
     std::ostringstream text;
     text << std::setfill('0') << seconds / 3600 << ':' << std::setw(2) << seconds / 60 % 60 << ':'
@@ -183,8 +184,15 @@ MediaTime TimeOfUnits(std::int64_t units) {
 }
 
 std::int64_t UnitsLookedFor(const MediaTime& time) {
-    return static_cast<std::int64_t>(Zanthe::MediaTimeToSeconds(time) *
-                                     static_cast<double>(UnitsPerSecond));
+    const std::int64_t seconds = time.numerator() / time.denominator();
+    const std::int64_t rest = time.numerator() % time.denominator();
+    std::int64_t scaled = 0;
+    const std::int64_t units =
+        __builtin_mul_overflow(rest, UnitsPerSecond, &scaled)
+            ? static_cast<std::int64_t>(static_cast<double>(rest) /
+                                        static_cast<double>(time.denominator()) * 1e7)
+            : scaled / time.denominator();
+    return seconds * UnitsPerSecond + units;
 }
 
 } // namespace Program

@@ -29,7 +29,8 @@ std::vector<Zanthe::MediaTime> ParseTimes(std::string_view text);
 // "1001/30000", "5".
 std::string FractionText(const Zanthe::MediaTime& time);
 
-// h:mm:ss.mmm, cut off behind the milliseconds.
+// h:mm:ss.mmm, rounded up to the millisecond: who asks for the printed start of a picture gets that
+// picture.
 std::string ClockText(std::int64_t units);
 
 double SecondsOf(std::int64_t units);
@@ -37,9 +38,8 @@ double SecondsOf(std::int64_t units);
 // Exactly so many units of 100 ns.
 Zanthe::MediaTime TimeOfUnits(std::int64_t units);
 
-// The units of 100 ns that a sample reader looks for when asked for `time`: the product of the
-// double that is nearest to the fraction, cut off. It may fall one short of the exact count, which
-// is why a sample covers one unit before its start.
+// The whole units of 100 ns in `time`, from 0, which is what a sample reader looks for: what is
+// left over is cut off. Exact for any time whose parts are no finer than 10^-11 s.
 std::int64_t UnitsLookedFor(const Zanthe::MediaTime& time);
 
 } // namespace Program
