@@ -444,8 +444,7 @@ HRESULT MFCreateSourceReaderFromURL(LPCWSTR url, IMFAttributes* attributes,
     *reader = nullptr;
     return com::Wall([&] {
         const mf::SourceReaderFactory factory = mf::CurrentSourceReaderFactory();
-        return factory
-                   ? factory(url, attributes, reader)
-                   : mf::Open(win32::ExistingPath(win32::WideToUtf8(url)), attributes, reader);
+        return factory ? factory(url, attributes, reader)
+                       : mf::Open(win32::ExistingPath(win32::WideToUtf8(url)), attributes, reader);
     });
 }

@@ -82,9 +82,10 @@ std::int64_t TruncatedReferenceTime(MediaTime time) {
 
 } // namespace
 
-WinH264FastSampleFinder::WinH264FastSampleFinder(
-    IMFSourceReader* reader, IMFSample* firstSample, std::int64_t streamDuration, int streamIndex,
-    std::unique_ptr<ISeekOrStepThroughDecider> decider, std::function<void(IMFSample*)> callback)
+WinH264FastSampleFinder::WinH264FastSampleFinder(IMFSourceReader* reader, IMFSample* firstSample,
+                                                 std::int64_t streamDuration, int streamIndex,
+                                                 std::unique_ptr<ISeekOrStepThroughDecider> decider,
+                                                 std::function<void(IMFSample*)> callback)
     : m_reader(reader)
     , m_streamIndex(streamIndex)
     , m_currentSample(com::ComPtr<IMFSample>::Attach(firstSample))
