@@ -229,14 +229,20 @@ TEST(ProgramAudio, WhenNobodyReadsItsOutputItEndsSilently) {
     }
     close(filler);
     ProgramRun run({"audio", Tone(), "-o", "-"}, pipe);
-    while (FilesIn(folder.Path()) < 2) {
+    const auto temporaryFiles = [&] {
+        const auto isOurs = [](const fs::directory_entry& entry) {
+            return entry.path().filename().string().starts_with(".zanthe-");
+        };
+        return std::count_if(fs::directory_iterator(folder.Path()), {}, isOurs);
+    };
+    while (temporaryFiles() == 0) {
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     close(reader);
     EXPECT_EQ(run.Wait(), 128 + SIGPIPE);
     unsetenv("TMPDIR");
     EXPECT_EQ(run.Err(), "");
-    EXPECT_EQ(FilesIn(folder.Path()), 1) << "the temporary file is left";
+    EXPECT_EQ(temporaryFiles(), 0);
 }
 
 TEST(ProgramAudio, RefusesAStartBehindTheSound) {
