@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "platform/av/OpenInput.h"
-#include "platform/av/StreamFacts.h"
+#include "platform/av/StreamChoice.h"
 
 extern "C" {
 #include <libavutil/common.h>
@@ -38,24 +38,6 @@ bool OnePacketIsOnePicture(const AVFormatContext& context, const AVStream& strea
            (codec == AV_CODEC_ID_H264 || codec == AV_CODEC_ID_HEVC || codec == AV_CODEC_ID_MPEG4);
 }
 
-// The index of the video stream number `ordinal`, or -1.
-int FindVideo(const AVFormatContext& context, int ordinal) {
-    for (unsigned int i = 0; i < context.nb_streams; ++i) {
-        const AVStream& stream = *context.streams[i];
-        if (KindOf(stream) == TrackKind::Video && !IsCover(stream) && ordinal-- == 0) {
-            return static_cast<int>(i);
-        }
-    }
-    return -1;
-}
-
-void DiscardOthers(AVFormatContext& context, int stream) {
-    for (unsigned int i = 0; i < context.nb_streams; ++i) {
-        context.streams[i]->discard =
-            static_cast<int>(i) == stream ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
-    }
-}
-
 PacketStamp StampOf(const AVPacket& packet) {
     return {packet.pts, packet.dts, packet.duration};
 }
@@ -67,7 +49,7 @@ std::unique_ptr<PictureTimeline> PictureTimeline::Open(const std::string& path, 
     if (OpenInput(context, path) < 0) {
         return nullptr;
     }
-    const int stream = FindVideo(*context, ordinal);
+    const int stream = FindVideoStream(*context, ordinal);
     if (stream < 0 || !OnePacketIsOnePicture(*context, *context->streams[stream])) {
         return nullptr;
     }
