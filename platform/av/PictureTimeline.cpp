@@ -55,7 +55,7 @@ std::unique_ptr<PictureTimeline> PictureTimeline::Open(const std::string& path, 
     }
     DiscardOthers(*context, stream);
     std::unique_ptr<PictureTimeline> timeline(new PictureTimeline(std::move(context), stream));
-    return timeline->LandAtStart() ? std::move(timeline) : nullptr;
+    return timeline->ReadFirst() ? std::move(timeline) : nullptr;
 }
 
 PictureTimeline::PictureTimeline(FormatContextPtr context, int stream)
@@ -120,9 +120,20 @@ void PictureTimeline::Take(const AVPacket& packet) {
     }
 }
 
-bool PictureTimeline::LandAtStart() {
+// REQUIRES: the demuxer stands at the start of the file.
+bool PictureTimeline::ReadFirst() {
     m_order.Restart(kEarliest);
-    return SeekTo(kEarliest);
+    if (!ReadPacket()) {
+        return false;
+    }
+    m_firstDecoded = m_packet->dts;
+    Take(*m_packet);
+    return true;
+}
+
+bool PictureTimeline::LandAtStart() {
+    const std::int64_t first = m_firstDecoded;
+    return SeekTo(first) && ReadFirst() && m_firstDecoded == first;
 }
 
 // Demuxers seek by the time of decoding, and what they land on may be shown after `time`: then it

@@ -49,6 +49,7 @@ private:
 
     bool LandBefore(std::int64_t time);
     bool LandAtStart();
+    bool ReadFirst();
     bool SeekTo(std::int64_t timestamp);
     bool StartsGroup(const PacketStamp& first, std::int64_t wanted);
     bool ReadPacket();
@@ -62,6 +63,7 @@ private:
     std::int64_t m_begin = std::numeric_limits<std::int64_t>::min(); // no span starts before it
     std::int64_t m_target =
         std::numeric_limits<std::int64_t>::min(); // a span that ends by it is skipped
+    std::int64_t m_firstDecoded = 0;              // decode time of the file's first packet
     std::int64_t m_packetsRead = 0;
 };
 
