@@ -113,9 +113,10 @@ bool PictureTimeline::ReadPacket() {
     return true;
 }
 
-// What an edit list cuts away is decoded for what refers to it, but never shown.
+// What an edit list cuts away is decoded for what refers to it, but never shown. A packet that the
+// end of the file cuts off gives no picture to rely on.
 void PictureTimeline::Take(const AVPacket& packet) {
-    if ((packet.flags & AV_PKT_FLAG_DISCARD) == 0) {
+    if ((packet.flags & (AV_PKT_FLAG_DISCARD | AV_PKT_FLAG_CORRUPT)) == 0) {
         m_order.Push(StampOf(packet));
     }
 }
