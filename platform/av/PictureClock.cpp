@@ -85,6 +85,15 @@ std::int64_t PictureClock::DurationOf(const AVFrame& frame) const {
     return duration > 0 ? duration : kDefaultDuration;
 }
 
+std::int64_t PictureClock::EndOf(const AVFrame& frame) const {
+    std::int64_t end = 0;
+    if (frame.pts != AV_NOPTS_VALUE && frame.pkt_duration > 0 &&
+        !__builtin_add_overflow(frame.pts, frame.pkt_duration, &end)) {
+        return std::max(FromStream(end), m_last + 1);
+    }
+    return m_last + DurationOf(frame);
+}
+
 std::int64_t PictureClock::FromStream(std::int64_t time) const {
     return Rescale(time, m_timeBase, kHns);
 }

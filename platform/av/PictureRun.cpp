@@ -53,7 +53,7 @@ PicturePtr PictureRun::Next(std::int64_t keepFrom) {
 
 PicturePtr PictureRun::TakeLast() {
     Timed last = std::exchange(m_held, {});
-    const std::int64_t end = last.start + m_clock.DurationOf(*last.frame);
+    const std::int64_t end = m_clock.EndOf(*last.frame);
     return std::make_shared<Picture>(std::move(last.frame), last.start, end);
 }
 
