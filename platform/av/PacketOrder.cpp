@@ -1,7 +1,10 @@
 #include "platform/av/PacketOrder.h"
 
 #include <algorithm>
-#include <limits>
+
+extern "C" {
+#include <libavutil/common.h>
+}
 
 namespace av {
 
@@ -10,11 +13,6 @@ namespace {
 // No codec reorders over more than 16 pictures. A file whose decode times never catch up with its
 // pictures must not make the whole of it wait here.
 constexpr std::size_t kMostWaiting = 64;
-
-std::int64_t SaturatingSum(std::int64_t a, std::int64_t b) {
-    std::int64_t sum = 0;
-    return __builtin_add_overflow(a, b, &sum) ? std::numeric_limits<std::int64_t>::max() : sum;
-}
 
 } // namespace
 
@@ -52,7 +50,7 @@ bool PacketOrder::Settled() const {
 // Where the last picture's own duration is unknown it lasts as long as the one before it.
 std::int64_t PacketOrder::EndOfLast() const {
     const PacketStamp& last = m_waiting.front();
-    return SaturatingSum(last.shown, last.duration > 0 ? last.duration : m_distance);
+    return av_sat_add64(last.shown, last.duration > 0 ? last.duration : m_distance);
 }
 
 bool PacketOrder::Pop(PictureSpan& span) {
@@ -61,8 +59,8 @@ bool PacketOrder::Pop(PictureSpan& span) {
     }
     span.start = m_waiting.front().shown;
     span.end = m_waiting.size() > 1 ? m_waiting[1].shown : EndOfLast();
-    m_distance = std::max<std::int64_t>(1, span.end - span.start);
-    m_first = SaturatingSum(span.start, 1);
+    m_distance = std::max<std::int64_t>(1, av_sat_sub64(span.end, span.start));
+    m_first = av_sat_add64(span.start, 1);
     m_waiting.erase(m_waiting.begin());
     return true;
 }
