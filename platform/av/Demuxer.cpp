@@ -3,29 +3,11 @@
 #include <utility>
 
 #include "platform/av/OpenInput.h"
-#include "platform/av/StreamFacts.h"
+#include "platform/av/StreamChoice.h"
 
 namespace av {
 
 namespace {
-
-// The index of the `ordinal`th video stream that is no attached picture, or -1.
-int FindStream(const AVFormatContext& format, int ordinal) {
-    for (unsigned int i = 0; i < format.nb_streams; ++i) {
-        const AVStream& stream = *format.streams[i];
-        if (KindOf(stream) == TrackKind::Video && !IsCover(stream) && ordinal-- == 0) {
-            return static_cast<int>(i);
-        }
-    }
-    return -1;
-}
-
-void DiscardOthers(AVFormatContext& format, int kept) {
-    for (unsigned int i = 0; i < format.nb_streams; ++i) {
-        format.streams[i]->discard =
-            static_cast<int>(i) == kept ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
-    }
-}
 
 // Times that nothing can be added to are none.
 void DropBoundlessTimes(AVPacket& packet) {
@@ -71,7 +53,7 @@ bool Demuxer::Reopen() {
         avformat_find_stream_info(m_format.get(), nullptr) < 0) {
         return false;
     }
-    m_stream = FindStream(*m_format, m_ordinal);
+    m_stream = FindVideoStream(*m_format, m_ordinal);
     if (m_stream < 0) {
         return false;
     }

@@ -8,6 +8,7 @@
 #include <optional>
 #include <vector>
 
+#include "platform/av/DeferredVideoStream.h"
 #include "platform/av/FileFacts.h"
 #include "platform/com/Object.h"
 #include "platform/mf/CompressedSamples.h"
@@ -267,7 +268,7 @@ HRESULT SourceReader::UsePixels(Stream& stream, PixelLayout layout, IMFMediaType
     }
     if (stream.pictures == nullptr) {
         stream.pictures =
-            av::VideoStream::Open(m_path, OptionsFor(stream.facts.ordinal, m_settings));
+            av::DeferredVideoStream::Open(m_path, OptionsFor(stream.facts.ordinal, m_settings));
     }
     if (stream.pictures == nullptr) {
         return MF_E_TOPO_CODEC_NOT_FOUND;
@@ -424,7 +425,7 @@ HRESULT Open(const std::string& path, IMFAttributes* attributes, IMFSourceReader
     Settings settings = ReadSettings(attributes);
     // Nearly every file is opened for its first video stream, so that is opened at once, and tells
     // what else is there.
-    auto pictures = av::VideoStream::Open(path, OptionsFor(0, settings));
+    auto pictures = av::DeferredVideoStream::Open(path, OptionsFor(0, settings));
     const auto facts = pictures != nullptr ? pictures->File() : av::ReadFileFacts(path);
     if (!facts || facts->streams.empty()) {
         return MF_E_UNSUPPORTED_BYTESTREAM_TYPE;
