@@ -18,6 +18,8 @@ struct Mp4Track {
     std::uint32_t id = 0; // the number that the file gives it, never 0
     TrackKind kind = TrackKind::Other;
     std::string codec; // the four characters of its first sample description; empty if none
+    std::string handler{};                   // "soun", "vide", ...; empty if none
+    std::vector<std::string> descriptions{}; // the four characters of all sample descriptions
 };
 
 // Edit lists play no part: times and samples are the tracks' own.
@@ -33,6 +35,8 @@ public:
 
 private:
     explicit Mp4File(FormatContextPtr context);
+
+    void AddBoxes(const std::string& path);
 
     FormatContextPtr m_context;
     std::vector<Mp4Track> m_tracks;

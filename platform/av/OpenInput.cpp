@@ -9,6 +9,8 @@
 #include <mutex>
 #include <utility>
 
+#include "platform/av/TrackBoxes.h"
+
 extern "C" {
 #include <libavutil/log.h>
 #include <libavutil/opt.h>
@@ -123,7 +125,7 @@ int OpenInput(FormatContextPtr& context, const std::string& path) {
 FormatContextPtr OpenMp4(const std::string& path, EditLists editLists) {
     FormatContextPtr context(avformat_alloc_context());
     auto options = MakeOptions("ignore_editlist", editLists == EditLists::Ignored ? "1" : "0");
-    if (context == nullptr || options == nullptr) {
+    if (context == nullptr || options == nullptr || HasTooManyBoxes(path)) {
         return nullptr;
     }
     const AVInputFormat* format = av_find_input_format("mp4");

@@ -20,7 +20,8 @@ enum class EditLists {
     Ignored, // the times are the track's own, from 0 on, and every sample is there
 };
 
-// The MP4 or QuickTime file at `path`, opened as above; empty where it is none.
+// The MP4 or QuickTime file at `path`, opened as above; empty where it is none, and
+// where it has too many boxes to be opened in a second.
 FormatContextPtr OpenMp4(const std::string& path, EditLists editLists);
 
 } // namespace av

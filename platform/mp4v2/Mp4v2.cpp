@@ -15,11 +15,14 @@ const av::Mp4File* FileOf(MP4FileHandle file) {
 }
 
 bool IsOfType(const av::Mp4Track& track, const char* type) {
-    if (type == nullptr) {
-        return true;
-    }
-    return (track.kind == av::TrackKind::Audio && std::string_view(type) == MP4_AUDIO_TRACK_TYPE) ||
-           (track.kind == av::TrackKind::Video && std::string_view(type) == MP4_VIDEO_TRACK_TYPE);
+    return type == nullptr || track.handler == type;
+}
+
+bool HasDescription(const av::Mp4Track& track, const std::string& atomPath) {
+    return std::any_of(track.descriptions.begin(), track.descriptions.end(),
+                       [&](const std::string& each) {
+                           return std::string(SampleDescriptions) + each == atomPath;
+                       });
 }
 
 } // namespace
@@ -48,8 +51,7 @@ bool MP4HaveTrackAtom(MP4FileHandle file, MP4TrackId track, const char* atomPath
     }
     const auto& tracks = FileOf(file)->Tracks();
     return std::any_of(tracks.begin(), tracks.end(), [&](const av::Mp4Track& each) {
-        return each.id == track && !each.codec.empty() &&
-               std::string(SampleDescriptions) + each.codec == atomPath;
+        return each.id == track && HasDescription(each, atomPath);
     });
 }
 

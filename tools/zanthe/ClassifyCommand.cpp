@@ -2,11 +2,13 @@
 
 #include "tools/zanthe/ClassifyReport.h"
 #include "tools/zanthe/InputFile.h"
+#include "tools/zanthe/Interrupt.h"
 #include "zanthe/analysis/FileClassification.h"
 
 namespace Program {
 
 void RunClassify(const ClassifyRequest& request, std::ostream& out) {
+    StopCatchingInterrupts();
     RequireReadableFile(Zanthe::ContainerPathOf(request.file));
     const Zanthe::FileClassification file = Zanthe::ClassifyFile(request.file);
     if (request.json) {

@@ -16,6 +16,7 @@ void MP4ParserFindStreamTypes::OnBoxBegin(const MP4BoxHeader& header) {
 
 void MP4ParserFindStreamTypes::OnBoxEnd(const MP4BoxHeader& header) {
     if (header.type == "trak") {
+        RequireRoomForTrack(m_streamTypes.size());
         m_streamTypes.push_back({m_type, m_codec});
     }
 }
