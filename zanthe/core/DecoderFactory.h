@@ -5,6 +5,9 @@
 //         factory->CreateVideoSampleReader("clip.mp4", 0, false));
 //     if (!reader) ... // the file's backend could not be made
 //
+// Failures come in three kinds, so a host that survives them all catches std::exception and
+// const char*.
+//
 // A host that shows one file in several places asks through VideoSampleReaderCache instead.
 #pragma once
 
@@ -43,13 +46,17 @@ public:
     // to the H.264 reader and that cannot be made. No other backend is then tried.
     //
     // The first that fits decides. E is the text behind the last "." of the whole path, compared
-    // with no regard to case; nothing of the first four fits a path without a dot.
+    // with no regard to case; nothing of the first four fits a path without a dot. docs/classify.md
+    // shows how to ask `zanthe classify` which it is for a file.
     //
-    //     E is brec, or ".brec!" stands anywhere         recording
     //     the member "Screen_Stream.avi" of a recording  screen recording of the older kind
+    //     E is brec                                      recording
     //     E is mov, with PNG images as its pictures      QuickTime recording
     //     E is gif                                       animated GIF
-    //     ShouldUseMediaFoundation and useMediaFoundation  H.264 reader
+    //     ".brec!" stands anywhere                       none: it throws
+    //     E is wma, mp3, wav or m4a, and from system
+    //     version 6.2 on mov or mp4, unless
+    //     useMediaFoundation is false                    H.264 reader
     //     anything else                                  DirectShow
     //
     // streamIndex: the number of the stream among the file's own, where a backend looks at it.
@@ -58,7 +65,7 @@ public:
     //
     // Throws std::runtime_error:
     //   "DecoderFactory::CreateVideoDecoder: Couldn't find a decoder to match extension = " and E
-    //        a member of a ".brec" recording, which has no decoder of its own
+    //        any other path with ".brec!" in it: a member of a recording has no decoder of its own
     //   "Can't create WICAnimatedGIFReader"
     // TextException:
     //   "OrirecScreenVideoDecoder - orirec is not a structured-storage file!"
