@@ -11,8 +11,7 @@ namespace av {
 std::unique_ptr<Mp4Boxes> Mp4Boxes::Open(const std::string& path) {
     const HANDLE file = CreateFileW(win32::Utf8ToWide(path).c_str(), GENERIC_READ, FILE_SHARE_READ,
                                     nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    return file == INVALID_HANDLE_VALUE ? nullptr
-                                        : std::unique_ptr<Mp4Boxes>(new Mp4Boxes(file));
+    return file == INVALID_HANDLE_VALUE ? nullptr : std::unique_ptr<Mp4Boxes>(new Mp4Boxes(file));
 }
 
 Mp4Boxes::Mp4Boxes(HANDLE file)

@@ -21,9 +21,10 @@ std::unique_ptr<Mp4File> Mp4File::Open(const std::string& path) {
 // libavformat goes by the coding of a track, and keeps one sample description.
 void Mp4File::AddBoxes(const std::string& path) {
     for (TrackBoxes& boxes : ReadTrackBoxes(path)) {
-        const auto track = std::find_if(m_tracks.begin(), m_tracks.end(), [&](const Mp4Track& each) {
-            return each.id == boxes.id && each.handler.empty();
-        });
+        const auto track =
+            std::find_if(m_tracks.begin(), m_tracks.end(), [&](const Mp4Track& each) {
+                return each.id == boxes.id && each.handler.empty();
+            });
         if (track != m_tracks.end()) {
             track->handler = std::move(boxes.handler);
             track->descriptions = std::move(boxes.descriptions);

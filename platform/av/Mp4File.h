@@ -17,8 +17,8 @@ namespace av {
 struct Mp4Track {
     std::uint32_t id = 0; // the number that the file gives it, never 0
     TrackKind kind = TrackKind::Other;
-    std::string codec; // the four characters of its first sample description; empty if none
-    std::string handler{};                   // "soun", "vide", ...; empty if none
+    std::string codec;     // the four characters of its first sample description; empty if none
+    std::string handler{}; // "soun", "vide", ...; empty if none
     std::vector<std::string> descriptions{}; // the four characters of all sample descriptions
 };
 

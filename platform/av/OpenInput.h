@@ -24,9 +24,9 @@ enum class EditLists {
 // where it has too many boxes to be opened in a second.
 FormatContextPtr OpenMp4(const std::string& path, EditLists editLists);
 
-// What the bytes of the regular file at `path` look like; `format` is libavformat's own and lives for
-// ever. The file's name plays no part where `byName` is false. Answers how sure that is, from 0 to
-// AVPROBE_SCORE_MAX, or a negative FFmpeg code.
+// What the bytes of the regular file at `path` look like; `format` is libavformat's own and lives
+// for ever. The file's name plays no part where `byName` is false. Answers how sure that is, from 0
+// to AVPROBE_SCORE_MAX, or a negative FFmpeg code.
 int ProbeFile(const std::string& path, bool byName, const AVInputFormat*& format);
 
 } // namespace av

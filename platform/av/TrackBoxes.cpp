@@ -88,8 +88,8 @@ void CountBoxes(Mp4Boxes& boxes, const Mp4Range& range, int depth, std::uint64_t
     });
 }
 
-// A file that keeps every picture in a fragment of its own has some seven boxes for each, which with
-// tiny pictures are one for every 43 bytes.
+// A file that keeps every picture in a fragment of its own has some seven boxes for each, which
+// with tiny pictures are one for every 43 bytes.
 std::uint64_t MostBoxes(std::uint64_t fileSize) {
     constexpr std::uint64_t always = 100'000;
     constexpr std::uint64_t bytesOfEach = 32;

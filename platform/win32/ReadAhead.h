@@ -24,8 +24,8 @@ private:
     bool Fetch(HANDLE file, std::uint64_t position);
 
     std::array<char, 4096> m_bytes{}; // of the file,
-    std::uint64_t m_start = 0;      // from this position on,
-    std::uint64_t m_length = 0;     // so many of them
+    std::uint64_t m_start = 0;        // from this position on,
+    std::uint64_t m_length = 0;       // so many of them
 };
 
 } // namespace win32

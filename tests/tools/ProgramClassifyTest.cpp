@@ -40,14 +40,16 @@ void ExpectRefused(const std::string& path, const std::string& line) {
 TEST(ProgramClassify, TellsEveryAnswerInColumns) {
     const std::string text = TextOf(MadeMedia("mp4-rotate90.mp4"));
     for (const char* line :
-         {"\ncontents          mov,mp4,m4a,3gp,3g2,mj2\n", "\nsubtype           MEDIASUBTYPE_None (by nothing)\n",
+         {"\ncontents          mov,mp4,m4a,3gp,3g2,mj2\n",
+          "\nsubtype           MEDIASUBTYPE_None (by nothing)\n",
           "\nsource filter     file source {E436EBB5-524F-11CE-9F53-0020AF0BA770}\n",
           "\nbackend           6.2 or later      below 6.2\n",
           "\n  audio           Media Foundation  Media Foundation\n",
           "\n  video samples   Media Foundation  DirectShow\n",
           "\n  detection       Media Foundation  DirectShow\n",
           "\naudio route       Media Foundation (not in this build)\n", "\nMP4               yes\n",
-          "\n  track 1         video avc1 \"H.264 ( QuickTime )\", size before turning 64x48, coded "
+          "\n  track 1         video avc1 \"H.264 ( QuickTime )\", size before turning 64x48, "
+          "coded "
           "64x48, pixel aspect 1:1, matrix [0 -1; 1 0]\n",
           "\nstreams           video avc1, audio mp4a\n",
           "\norientation       [0 -1; 1 0], turn by 90 degrees, shown 48x64\n"}) {
@@ -92,11 +94,12 @@ TEST(ProgramClassify, AMemberOfAMissingRecordingIsRefused) {
     const TemporaryFolder folder;
     const std::string path = folder / "a.orirec!Screen_Stream.avi";
     const std::string container = folder / "a.orirec";
-    ExpectRefused(path, path + ": names a stream inside a recording: " + container +
-                            ": no such file");
+    ExpectRefused(path,
+                  path + ": names a stream inside a recording: " + container + ": no such file");
     folder.Write("a.orirec!Screen_Stream.avi", "x");
-    ExpectRefused(path, path + ": names a stream inside a recording, although a file of that whole "
-                               "name is there: " +
+    ExpectRefused(path, path +
+                            ": names a stream inside a recording, although a file of that whole "
+                            "name is there: " +
                             container + ": no such file");
 }
 
@@ -129,9 +132,10 @@ TEST(ProgramClassify, AnOrientationThatCannotBeReadIsUnknown) {
     const TemporaryFolder folder;
     const std::string path =
         folder.Write("a.mp4", ReadWholeFile(MadeMedia("mp4-rotate90.mp4")) + "\r\n");
-    EXPECT_THAT(TextOf(path),
-                AllOf(HasSubstr("\norientation       unknown: its boxes cannot be walked to the end\n"),
-                      HasSubstr("\nremark            the walk over the boxes stops at byte ")));
+    EXPECT_THAT(
+        TextOf(path),
+        AllOf(HasSubstr("\norientation       unknown: its boxes cannot be walked to the end\n"),
+              HasSubstr("\nremark            the walk over the boxes stops at byte ")));
     EXPECT_EQ(JsonOf(path)["mp4"]["orientation"], nullptr);
     EXPECT_EQ(JsonOf(path)["remarks"].size(), 1U);
 }

@@ -20,8 +20,8 @@ public:
 // same.
 std::string OneLine(std::string_view text);
 
-// `text` with everything but printable ASCII, and the backslash too, written as \xHH: for bytes that
-// are no text by nature.
+// `text` with everything but printable ASCII, and the backslash too, written as \xHH: for bytes
+// that are no text by nature.
 std::string Printable(std::string_view text);
 
 } // namespace Program

@@ -43,6 +43,7 @@ void RequireReadableFile(const std::string& path) {
     if (path.empty()) {
         throw CommandError("\"\"", "names no file");
     }
+
     struct stat status {};
 
     if (stat(path.c_str(), &status) != 0) {

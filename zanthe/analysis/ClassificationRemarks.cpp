@@ -31,17 +31,28 @@ struct NamedContents {
 constexpr std::string_view QuickTimeFamily = "mov,mp4,m4a,3gp,3g2,mj2";
 
 constexpr NamedContents KnownExtensions[] = {
-    {"mp4", QuickTimeFamily},      {"mov", QuickTimeFamily},   {"m4a", QuickTimeFamily},
-    {"brec", QuickTimeFamily},     {"mp3", "mp3"},             {"wav", "wav"},
-    {"avi", "avi"},                {"mpg", "mpeg mpegvideo"},  {"mpeg", "mpeg mpegvideo"},
-    {"mts", "mpegts"},             {"m2ts", "mpegts"},         {"wmv", "asf"},
-    {"wma", "asf"},                {"gif", "gif"},             {"png", "png picture"},
-    {"bmp", "bmp picture"},        {"jpg", "jpeg picture"},    {"jpeg", "jpeg picture"},
+    {"mp4", QuickTimeFamily},
+    {"mov", QuickTimeFamily},
+    {"m4a", QuickTimeFamily},
+    {"brec", QuickTimeFamily},
+    {"mp3", "mp3"},
+    {"wav", "wav"},
+    {"avi", "avi"},
+    {"mpg", "mpeg mpegvideo"},
+    {"mpeg", "mpeg mpegvideo"},
+    {"mts", "mpegts"},
+    {"m2ts", "mpegts"},
+    {"wmv", "asf"},
+    {"wma", "asf"},
+    {"gif", "gif"},
+    {"png", "png picture"},
+    {"bmp", "bmp picture"},
+    {"jpg", "jpeg picture"},
+    {"jpeg", "jpeg picture"},
 };
 
 std::string Extension(const FileClassification& file) {
-    return win32::WideToUtf8(
-        LowerCase(RecordingPath(win32::Utf8ToWide(file.path)).GetExtension()));
+    return win32::WideToUtf8(LowerCase(RecordingPath(win32::Utf8ToWide(file.path)).GetExtension()));
 }
 
 bool IsOneOf(std::string_view contents, std::string_view name) {
@@ -182,8 +193,8 @@ void RemarkMember(const FileClassification& file, Remarks& remarks) {
     if (path.stream < 0 || path.stream > 9) {
         remarks.push_back("the member's number is no digit and counts as " +
                           std::to_string(path.stream));
-    } else if (path.member.size() > std::string_view("video0.").size() +
-                                        (kind == NumberedScreenTrack ? 4 : 3)) {
+    } else if (path.member.size() >
+               std::string_view("video0.").size() + (kind == NumberedScreenTrack ? 4 : 3)) {
         remarks.push_back("only the first digit of a member's number counts: this is number " +
                           std::to_string(path.stream));
     }

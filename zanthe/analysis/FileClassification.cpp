@@ -283,13 +283,12 @@ void ClassifyStreams(const std::wstring& path, FileClassification& result) {
         result.streams.push_back({TrackKindName(stream.type), stream.codec});
     }
     // The question about PNG pictures goes to the path as it was asked.
-    result.pngMov = result.parsed.member.empty() ? IsMovWithPngVideo(path, streams)
-                                                 : IsMovWithPngVideo(path);
+    result.pngMov =
+        result.parsed.member.empty() ? IsMovWithPngVideo(path, streams) : IsMovWithPngVideo(path);
 }
 
 bool IsPlainTurn(const std::array<double, 4>& matrix, int rotation) {
-    const bool upright =
-        matrix[0] > 0.0 && matrix[1] == 0.0 && matrix[2] == 0.0 && matrix[3] > 0.0;
+    const bool upright = matrix[0] > 0.0 && matrix[1] == 0.0 && matrix[2] == 0.0 && matrix[3] > 0.0;
     const bool straight = matrix[1] == 0.0 && matrix[2] == 0.0;
     const bool sideways = matrix[0] == 0.0 && matrix[3] == 0.0;
     return rotation == 0 ? upright : (rotation == 180 ? straight : sideways);

@@ -8,8 +8,8 @@
 
 namespace Zanthe {
 
-boost::shared_ptr<IAudioReader>
-AudioBackends::CreateFfmpeg(const std::string& path, int trackIndex, int sampleRate) const {
+boost::shared_ptr<IAudioReader> AudioBackends::CreateFfmpeg(const std::string& path, int trackIndex,
+                                                            int sampleRate) const {
     return FFMPEGAudioReader::Create(path, trackIndex, sampleRate);
 }
 

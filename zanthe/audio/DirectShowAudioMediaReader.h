@@ -25,9 +25,9 @@ public:
 
     // The chain that `make` makes for the file at `path` (UTF-8), as this class wants one: with no
     // samples kept and at most ten steps for a search. Empty when it makes none.
-    static boost::shared_ptr<IDSChain>
-    MakeChain(const std::string& path,
-              const std::function<boost::shared_ptr<IDSChain>(const std::wstring&, int, int)>& make);
+    static boost::shared_ptr<IDSChain> MakeChain(
+        const std::string& path,
+        const std::function<boost::shared_ptr<IDSChain>(const std::wstring&, int, int)>& make);
 
     // The same over a chain that is there; an empty one throws as above.
     DirectShowAudioMediaReader(const std::string& path, boost::shared_ptr<IDSChain> chain);

@@ -33,6 +33,7 @@ public:
 
     // As the factory was made.
     DecoderOutputFormat OutputFormat() const { return m_outputFormat; }
+
     bool UsesMediaFoundation() const { return m_useMediaFoundation; }
 
     // Whether a VideoDecoder is tried for the file. It can be true where CreateVideoDecoder throws:

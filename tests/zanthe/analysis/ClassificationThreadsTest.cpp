@@ -50,9 +50,9 @@ protected:
         header.matrix = boxes::Clockwise90;
         header.width = 64 << 16;
         header.height = 48 << 16;
-        return boxes::Movie(boxes::Track(
-            boxes::TrackHeaderBox(header), "vide",
-            boxes::SampleDescriptionBox(1, boxes::VisualEntry("png ", 64, 48))));
+        return boxes::Movie(
+            boxes::Track(boxes::TrackHeaderBox(header), "vide",
+                         boxes::SampleDescriptionBox(1, boxes::VisualEntry("png ", 64, 48))));
     }
 
     TemporaryFolder m_folder;

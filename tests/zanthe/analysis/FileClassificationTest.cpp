@@ -40,7 +40,8 @@ TEST(ClassifyFile, AnMp4GoesToMediaFoundationWithItsTracks) {
     EXPECT_EQ(file.videoSamples, OnlyNewer);
     EXPECT_EQ(file.detection, OnlyNewer);
     EXPECT_EQ(file.mp4Problem, "");
-    EXPECT_THAT(file.streams, ElementsAre(ClassifiedStream{"video", "avc1"}, ClassifiedStream{"audio", "mp4a"}));
+    EXPECT_THAT(file.streams,
+                ElementsAre(ClassifiedStream{"video", "avc1"}, ClassifiedStream{"audio", "mp4a"}));
     ASSERT_EQ(file.tracks.size(), 2U);
     EXPECT_EQ(file.tracks[0].kind, "video");
     EXPECT_EQ(file.tracks[0].codec, "avc1");
@@ -192,15 +193,15 @@ TEST(ClassifyFile, StrayBytesBehindTheLastBoxAreTold) {
     EXPECT_EQ(file.mp4Problem, "its boxes cannot be walked to the end");
     EXPECT_EQ(file.orientation, std::nullopt);
     EXPECT_EQ(file.tracks.size(), 1U);
-    EXPECT_THAT(file.remarks, Contains("the walk over the boxes stops at byte " +
-                                       std::to_string(movie.size()) +
-                                       ", 2 bytes before the end of the file: no box begins there"));
+    EXPECT_THAT(file.remarks,
+                Contains("the walk over the boxes stops at byte " + std::to_string(movie.size()) +
+                         ", 2 bytes before the end of the file: no box begins there"));
 }
 
 TEST(ClassifyFile, AFileThatIsCutShortIsTold) {
     const TemporaryFolder folder;
-    const auto file =
-        Written(folder, "a.mp4", boxes::FileType() + boxes::Header("mdat", 1000) + boxes::Zeros(92));
+    const auto file = Written(folder, "a.mp4",
+                              boxes::FileType() + boxes::Header("mdat", 1000) + boxes::Zeros(92));
     EXPECT_EQ(file.mp4Problem, "");
     EXPECT_THAT(file.remarks,
                 IsSupersetOf({"the \"mdat\" box at byte 20 ends 900 bytes behind the end of the "
@@ -220,9 +221,9 @@ TEST(ClassifyFile, TheFirstBoxIsToldWhereItIsNoFtyp) {
 TEST(ClassifyFile, APixelAspectIsToldOfAvc1Alone) {
     const TemporaryFolder folder;
     const std::string hevc = boxes::SampleDescriptionBox(1, boxes::VisualEntry("hvc1", 64, 48));
-    const auto file = Written(folder, "a.mp4",
-                              boxes::Movie(VideoTrack(boxes::Upright, hevc) +
-                                           VideoTrack(boxes::Upright, Avc1)));
+    const auto file =
+        Written(folder, "a.mp4",
+                boxes::Movie(VideoTrack(boxes::Upright, hevc) + VideoTrack(boxes::Upright, Avc1)));
     ASSERT_EQ(file.tracks.size(), 2U);
     EXPECT_EQ(file.tracks[0].pixelAspect, std::nullopt);
     EXPECT_EQ(file.tracks[1].pixelAspect, (std::array<std::int32_t, 2>{1, 1}));
@@ -231,8 +232,8 @@ TEST(ClassifyFile, APixelAspectIsToldOfAvc1Alone) {
 
 TEST(ClassifyFile, ACodecFromBehindTheDescriptionsIsDoubtful) {
     const TemporaryFolder folder;
-    const std::string two = boxes::SampleDescriptionBox(
-        2, boxes::VisualEntry("avc1", 64, 48) + boxes::VisualEntry("avc1", 32, 24));
+    const std::string two = boxes::SampleDescriptionBox(2, boxes::VisualEntry("avc1", 64, 48) +
+                                                               boxes::VisualEntry("avc1", 32, 24));
     const auto file = Written(
         folder, "a.mp4",
         boxes::Movie(VideoTrack(boxes::Upright, two + boxes::Box("stts", boxes::Zeros(8)))));
@@ -247,8 +248,7 @@ TEST(ClassifyFile, ACodecFromBehindTheDescriptionsIsDoubtful) {
 TEST(ClassifyFile, AnEncryptedTrackIsTold) {
     const TemporaryFolder folder;
     const std::string entry = boxes::SampleDescriptionBox(1, boxes::VisualEntry("encv", 64, 48));
-    const auto file =
-        Written(folder, "a.mp4", boxes::Movie(VideoTrack(boxes::Upright, entry)));
+    const auto file = Written(folder, "a.mp4", boxes::Movie(VideoTrack(boxes::Upright, entry)));
     EXPECT_THAT(file.remarks, Contains("track 1 is encrypted"));
     EXPECT_FALSE(file.tracks.at(0).codecDoubtful);
 }
@@ -298,8 +298,7 @@ TEST(ClassifyFile, TracksWithoutEndAreCutOff) {
     for (int i = 0; i < 200'000; ++i) {
         tracks += boxes::Box("tkhd", "");
     }
-    const auto file =
-        Written(folder, "a.mp4", boxes::FileType() + tracks + boxes::Zeros(200));
+    const auto file = Written(folder, "a.mp4", boxes::FileType() + tracks + boxes::Zeros(200));
     EXPECT_EQ(file.tracks.size(), 10'000U);
     EXPECT_NE(file.mp4Problem, "");
     EXPECT_LE(file.remarks.size(), 21U);

@@ -73,13 +73,11 @@ TEST(MediaOrientation, DeeperContainersAreNotLookedInto) {
     for (const char* container : {"minf", "stbl", "BSCM"}) {
         const std::string inner = boxes::Box(container, TrackHeaderBox(other));
         const std::string media = boxes::Box("mdia", inner + boxes::HandlerBox("vide"));
-        const MediaOrientation found =
-            Of(Movie(boxes::Box("trak", TrackHeaderBox(real) + media)));
+        const MediaOrientation found = Of(Movie(boxes::Box("trak", TrackHeaderBox(real) + media)));
         EXPECT_EQ(found.width, 640) << container;
         EXPECT_EQ(found.height, 480) << container;
     }
-    const std::string media =
-        boxes::Box("mdia", TrackHeaderBox(other) + boxes::HandlerBox("vide"));
+    const std::string media = boxes::Box("mdia", TrackHeaderBox(other) + boxes::HandlerBox("vide"));
     EXPECT_EQ(Of(Movie(boxes::Box("trak", TrackHeaderBox(real) + media))).width, 10);
 }
 

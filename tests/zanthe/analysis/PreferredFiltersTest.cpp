@@ -142,13 +142,10 @@ TEST(PreferredFilters, AGraphTakesThemInTheOrderInWhichTheyWereMade) {
     AddPreferredFilters(L"a.mp4", &graph);
     EXPECT_THAT(installed.host->made, ElementsAre(Mp4Demultiplexer, AacDecoder, AvcDecoder));
     const auto& filters = installed.host->filters;
-    EXPECT_THAT(graph.taken,
-                ElementsAre(filters[0].get(), filters[1].get(), filters[2].get()));
+    EXPECT_THAT(graph.taken, ElementsAre(filters[0].get(), filters[1].get(), filters[2].get()));
     EXPECT_THAT(graph.asked,
-                ElementsAre(GUID{0x03A1EB8E,
-                                 0x32BF,
-                                 0x4245,
-                                 {0x85, 0x02, 0x11, 0x4D, 0x08, 0xA9, 0xCB, 0x88}}));
+                ElementsAre(GUID{
+                    0x03A1EB8E, 0x32BF, 0x4245, {0x85, 0x02, 0x11, 0x4D, 0x08, 0xA9, 0xCB, 0x88}}));
     EXPECT_EQ(graph.references, 0);
     for (const auto& filter : filters) {
         EXPECT_EQ(filter->references, 0);

@@ -66,16 +66,16 @@ std::string SoundFile(const std::string& entries, std::uint32_t count) {
     boxes::TrackHeader header;
     header.volume = 0x100;
     const std::string description = boxes::SampleDescriptionBox(count, entries);
-    const std::string table = boxes::Box(
-        "stbl", description + boxes::Box("stts", boxes::Zeros(8)) +
-                    boxes::Box("stsc", boxes::Zeros(8)) + boxes::Box("stsz", boxes::Zeros(12)) +
-                    boxes::Box("stco", boxes::Zeros(8)));
+    const std::string table = boxes::Box("stbl", description + boxes::Box("stts", boxes::Zeros(8)) +
+                                                     boxes::Box("stsc", boxes::Zeros(8)) +
+                                                     boxes::Box("stsz", boxes::Zeros(12)) +
+                                                     boxes::Box("stco", boxes::Zeros(8)));
     const std::string media =
         boxes::Box("mdhd", boxes::Zeros(12) + boxes::U32(44100) + boxes::Zeros(8)) +
         boxes::HandlerBox("soun") + boxes::Box("minf", table);
-    return boxes::Movie(boxes::MovieHeaderBox(0, boxes::Upright) +
-                        boxes::Box("trak", boxes::TrackHeaderBox(header) +
-                                               boxes::Box("mdia", media)));
+    return boxes::Movie(
+        boxes::MovieHeaderBox(0, boxes::Upright) +
+        boxes::Box("trak", boxes::TrackHeaderBox(header) + boxes::Box("mdia", media)));
 }
 
 std::string SoundEntry(const char* format) {

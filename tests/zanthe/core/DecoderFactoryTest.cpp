@@ -41,8 +41,8 @@ TEST(DecoderFactory, MakesTheFactoryOfThisPlatform) {
     EXPECT_EQ(made->OutputFormat(), DecoderOutputFormat::DeviceArgb32);
     EXPECT_TRUE(made->UsesMediaFoundation());
     for (const int format : {0, 1, 2}) {
-        const std::unique_ptr<DecoderFactory> given(DecoderFactory::Create(
-            static_cast<DecoderOutputFormat>(format), nullptr, format == 1));
+        const std::unique_ptr<DecoderFactory> given(
+            DecoderFactory::Create(static_cast<DecoderOutputFormat>(format), nullptr, format == 1));
         made = dynamic_cast<const WinDecoderFactory*>(given.get());
         ASSERT_NE(made, nullptr);
         EXPECT_EQ(static_cast<int>(made->OutputFormat()), format);

@@ -80,8 +80,8 @@ TEST(WinDecoderFactoryThreads, OneFactoryServesThemAll) {
         for (int thread = 0; thread < 4; ++thread) {
             threads.emplace_back([&open] {
                 for (int round = 0; round < 200; ++round) {
-                    for (const char* path : {"a.mp4", "a.mov", "a.avi", "a.brec",
-                                             "a.orirec!Screen_Stream.avi"}) {
+                    for (const char* path :
+                         {"a.mp4", "a.mov", "a.avi", "a.brec", "a.orirec!Screen_Stream.avi"}) {
                         EXPECT_EQ(open(path)->outputWidth(), 4);
                     }
                     EXPECT_THROW(open("a.gif"), std::runtime_error);
