@@ -27,7 +27,7 @@ public:
     // plays no part for other files. sampleRate is in Hz.
     AudioMediaReaderFactory(const std::string& path, int trackIndex, int sampleRate);
 
-    // The same over other backends. REQUIRES: backends.
+    // The same over other backends, for tests: their class is not installed. REQUIRES: backends.
     AudioMediaReaderFactory(const std::string& path, int trackIndex, int sampleRate,
                             boost::shared_ptr<const IAudioBackends> backends);
 

@@ -20,6 +20,8 @@ class Reader;
 
 namespace Zanthe {
 
+// Hosts make it from a path; the other constructors take types that are not installed.
+//
 // Always two channels at 44100 Hz. A read that is no longer than those before allocates nothing.
 //
 // Thread-safety: none; one reader serves one thread at a time.

@@ -15,6 +15,8 @@ class IDSChain;
 
 namespace Zanthe {
 
+// Hosts make it from a path; what else it can be made from is not installed.
+//
 // Always 44100 Hz: a chain of sound knows no other rate.
 //
 // Thread-safety: none; one reader serves one thread at a time.

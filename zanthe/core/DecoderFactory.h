@@ -30,7 +30,8 @@ public:
     // caller's, who ends it with delete; readers live on without it.
     static DecoderFactory* Create();
 
-    // deviceManager: the host's graphics device or null. The factory takes over one reference from
+    // deviceManager: the host's graphics device or null, an object behind the platform's public
+    // interface; this library installs no header for it. The factory takes over one reference from
     // the caller and gives it back when it is destroyed; when this throws, the reference is still
     // the caller's. useMediaFoundation: false keeps every file away from the H.264 reader.
     static DecoderFactory* Create(DecoderOutputFormat format, IMFDXGIDeviceManager* deviceManager,
