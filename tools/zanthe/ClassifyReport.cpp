@@ -136,6 +136,7 @@ void PrintTrack(const ClassifiedTrack& track, std::ostream& out) {
 
 std::string StreamsText(const std::vector<ClassifiedStream>& streams) {
     std::vector<std::string> parts;
+    parts.reserve(streams.size());
     for (const ClassifiedStream& stream : streams) {
         parts.push_back(stream.kind + ' ' + CodecText(stream.codec));
     }

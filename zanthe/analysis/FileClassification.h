@@ -42,9 +42,9 @@ struct ClassifiedBackend {
 
 // The backend that reads a file on this system.
 struct ClassifiedRoute {
-    std::string backend;      // as FileClassification says
-    bool isBuilt = false;     // whether this build of the library has it; else it fails to open
-    std::string failure = ""; // the text where already the choice failed, and backend is empty
+    std::string backend;   // as FileClassification says
+    bool isBuilt = false;  // whether this build of the library has it; else it fails to open
+    std::string failure{}; // the text where already the choice failed, and backend is empty
 
     friend bool operator==(const ClassifiedRoute&, const ClassifiedRoute&) = default;
 };
