@@ -18,8 +18,10 @@ namespace av {
 struct Mp4Track {
     std::uint32_t id = 0; // the number that the file gives it, never 0
     TrackKind kind = TrackKind::Other;
-    std::string codec;       // the four characters of its first sample description; empty if none
-    unsigned int stream = 0; // its place in the file, covers counted
+    std::string codec;     // the four characters of its first sample description; empty if none
+    std::string handler{}; // "soun", "vide", ...; empty if none
+    std::vector<std::string> descriptions{}; // the four characters of all sample descriptions
+    unsigned int stream = 0;                 // its place in the file, covers counted
 };
 
 struct Mp4Sample {
@@ -52,6 +54,7 @@ public:
 private:
     explicit Mp4File(FormatContextPtr context);
 
+    void AddBoxes(const std::string& path);
     const AVStream& CompleteStreamOf(const Mp4Track& track);
 
     FormatContextPtr m_context;

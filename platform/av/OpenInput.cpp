@@ -9,6 +9,8 @@
 #include <mutex>
 #include <utility>
 
+#include "platform/av/TrackBoxes.h"
+
 extern "C" {
 #include <libavutil/log.h>
 #include <libavutil/opt.h>
@@ -64,15 +66,9 @@ bool IsListOfFiles(const AVInputFormat& format) {
                        [&](const char* name) { return std::strcmp(format.name, name) == 0; });
 }
 
-// What the file's bytes look like. Answers 0 or a negative FFmpeg code.
-int Probe(const std::string& url, const AVInputFormat*& format) {
-    AVIOContext* raw = nullptr;
-    if (const int error = avio_open2(&raw, url.c_str(), AVIO_FLAG_READ, nullptr, nullptr);
-        error < 0) {
-        return error;
-    }
-    const IoContextPtr file(raw);
-    const int score = av_probe_input_buffer2(raw, &format, url.c_str(), nullptr, 0, 0);
+// Answers 0 or a negative FFmpeg code.
+int Probe(const std::string& path, const AVInputFormat*& format) {
+    const int score = ProbeFile(path, true, format);
     if (score < 0) {
         return score;
     }
@@ -89,7 +85,7 @@ int OpenAs(FormatContextPtr& context, const std::string& path, const AVInputForm
     const std::string url = "file:" + path;
     int error = CheckRegularFile(path);
     if (error >= 0 && format == nullptr) {
-        error = Probe(url, format);
+        error = Probe(path, format);
     }
     if (error >= 0) {
         error = ConfineToFile(*context);
@@ -116,6 +112,21 @@ DictionaryPtr MakeOptions(const char* key, const char* value) {
 
 } // namespace
 
+int ProbeFile(const std::string& path, bool byName, const AVInputFormat*& format) {
+    QuietUnlessChosen();
+    if (const int error = CheckRegularFile(path); error < 0) {
+        return error;
+    }
+    const std::string url = "file:" + path;
+    AVIOContext* raw = nullptr;
+    if (const int error = avio_open2(&raw, url.c_str(), AVIO_FLAG_READ, nullptr, nullptr);
+        error < 0) {
+        return error;
+    }
+    const IoContextPtr file(raw);
+    return av_probe_input_buffer2(raw, &format, byName ? url.c_str() : "", nullptr, 0, 0);
+}
+
 int OpenInput(FormatContextPtr& context, const std::string& path) {
     return OpenAs(context, path, nullptr, nullptr);
 }
@@ -123,7 +134,7 @@ int OpenInput(FormatContextPtr& context, const std::string& path) {
 FormatContextPtr OpenMp4(const std::string& path, EditLists editLists) {
     FormatContextPtr context(avformat_alloc_context());
     auto options = MakeOptions("ignore_editlist", editLists == EditLists::Ignored ? "1" : "0");
-    if (context == nullptr || options == nullptr) {
+    if (context == nullptr || options == nullptr || HasTooManyBoxes(path)) {
         return nullptr;
     }
     const AVInputFormat* format = av_find_input_format("mp4");

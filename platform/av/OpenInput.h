@@ -20,7 +20,13 @@ enum class EditLists {
     Ignored, // the times are the track's own, from 0 on, and every sample is there
 };
 
-// The MP4 or QuickTime file at `path`, opened as above; empty where it is none.
+// The MP4 or QuickTime file at `path`, opened as above; empty where it is none, and
+// where it has too many boxes to be opened in a second.
 FormatContextPtr OpenMp4(const std::string& path, EditLists editLists);
+
+// What the bytes of the regular file at `path` look like; `format` is libavformat's own and lives
+// for ever. The file's name plays no part where `byName` is false. Answers how sure that is, from 0
+// to AVPROBE_SCORE_MAX, or a negative FFmpeg code.
+int ProbeFile(const std::string& path, bool byName, const AVInputFormat*& format);
 
 } // namespace av

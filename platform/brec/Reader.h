@@ -30,12 +30,13 @@ public:
     static boost::shared_ptr<Reader> create(const std::string& path, const AudioFormat& format,
                                             AACDecoderFactory* aacDecoders);
 
+    // Over tracks that are open already.
+    explicit Reader(std::vector<boost::shared_ptr<MP4TrackReader>> tracks);
+
     // The tracks, in the order of the file; the same objects at every call.
     std::vector<boost::shared_ptr<MP4TrackReader>> tracks() const { return m_tracks; }
 
 private:
-    explicit Reader(std::vector<boost::shared_ptr<MP4TrackReader>> tracks);
-
     std::vector<boost::shared_ptr<MP4TrackReader>> m_tracks;
 };
 

@@ -34,11 +34,14 @@ std::optional<av::Mp4Sample> SampleOf(MP4FileHandle file, MP4TrackId id, MP4Samp
 }
 
 bool IsOfType(const av::Mp4Track& track, const char* type) {
-    if (type == nullptr) {
-        return true;
-    }
-    return (track.kind == av::TrackKind::Audio && std::string_view(type) == MP4_AUDIO_TRACK_TYPE) ||
-           (track.kind == av::TrackKind::Video && std::string_view(type) == MP4_VIDEO_TRACK_TYPE);
+    return type == nullptr || track.handler == type;
+}
+
+bool HasDescription(const av::Mp4Track& track, const std::string& atomPath) {
+    return std::any_of(track.descriptions.begin(), track.descriptions.end(),
+                       [&](const std::string& each) {
+                           return std::string(SampleDescriptions) + each == atomPath;
+                       });
 }
 
 } // namespace
@@ -63,8 +66,7 @@ MP4TrackId MP4FindTrackId(MP4FileHandle file, std::uint16_t index, const char* t
 
 bool MP4HaveTrackAtom(MP4FileHandle file, MP4TrackId track, const char* atomPath) {
     const av::Mp4Track* found = TrackOf(file, track);
-    return found != nullptr && atomPath != nullptr && !found->codec.empty() &&
-           std::string(SampleDescriptions) + found->codec == atomPath;
+    return found != nullptr && atomPath != nullptr && HasDescription(*found, atomPath);
 }
 
 MP4Duration MP4GetTrackDuration(MP4FileHandle file, MP4TrackId track) {

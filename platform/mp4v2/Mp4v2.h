@@ -35,15 +35,16 @@ inline constexpr const char* MP4_VIDEO_TRACK_TYPE = "vide";
 // MP4_INVALID_FILE_HANDLE when it cannot be read or is no file of this family.
 MP4FileHandle MP4Read(const char* path);
 
-// The id of the track that is number `index`, from 0, among those of `type`, one of the two above;
-// null counts all tracks. MP4_INVALID_TRACK_ID when there are not so many. subType would narrow the
-// search to one coding; only 0, any coding, is offered, and finds no track otherwise.
+// The id of the track that is number `index`, from 0, among those whose handler is `type`, whatever
+// their coding; null counts all tracks. MP4_INVALID_TRACK_ID when there are not so many. subType
+// would narrow the search to one coding; only 0, any coding, is offered, and finds no track
+// otherwise.
 MP4TrackId MP4FindTrackId(MP4FileHandle file, std::uint16_t index, const char* type,
                           std::uint8_t subType);
 
-// Whether the track has the atom `atomPath`, named from within its "trak". Offered for one atom
-// below "mdia.minf.stbl.stsd", the first sample description: "mdia.minf.stbl.stsd.mp4a". False for
-// any other path, and where there is no such track.
+// Whether the track has the atom `atomPath`, named from within its "trak". Offered for the atoms
+// below "mdia.minf.stbl.stsd", its sample descriptions: "mdia.minf.stbl.stsd.mp4a". False for any
+// other path, and where there is no such track.
 bool MP4HaveTrackAtom(MP4FileHandle file, MP4TrackId track, const char* atomPath);
 
 // Of the track's own media, edit lists left aside; MP4GetTrackDuration in the units that

@@ -33,7 +33,7 @@ TEST(InputFile, SaysThatThereIsNone) {
     EXPECT_EQ(RefusalOf(path), path + ": no such file");
     const std::string below = folder.Write("file", "x") + "/clip.mp3";
     EXPECT_EQ(RefusalOf(below), below + ": no such file");
-    EXPECT_EQ(RefusalOf(""), ": no such file");
+    EXPECT_EQ(RefusalOf(""), "\"\": names no file");
 }
 
 TEST(InputFile, SaysThatItIsAFolder) {

@@ -6,6 +6,7 @@
 
 using Program::CatchInterrupts;
 using Program::Interrupted;
+using Program::StopCatchingInterrupts;
 using Program::ThrowIfInterrupted;
 
 namespace {
@@ -48,6 +49,28 @@ TEST_F(Interrupts, ASignalIsThrownOnce) {
 TEST_F(Interrupts, ASignalThatIsIgnoredStaysIgnored) {
     std::signal(SIGHUP, SIG_IGN);
     CatchInterrupts();
+    std::raise(SIGHUP);
+    EXPECT_EQ(Caught(), 0);
+}
+
+TEST_F(Interrupts, WhatIsNoLongerCaughtEndsTheProgram) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        CatchInterrupts();
+        StopCatchingInterrupts();
+        EXPECT_EXIT(std::raise(signal), testing::KilledBySignal(signal), "");
+    }
+}
+
+TEST_F(Interrupts, ASignalFromBeforeIsThrownWhenCatchingEnds) {
+    CatchInterrupts();
+    std::raise(SIGTERM);
+    EXPECT_THROW(StopCatchingInterrupts(), Interrupted);
+}
+
+TEST_F(Interrupts, WhatIsIgnoredStaysIgnoredWhenCatchingEnds) {
+    std::signal(SIGHUP, SIG_IGN);
+    CatchInterrupts();
+    StopCatchingInterrupts();
     std::raise(SIGHUP);
     EXPECT_EQ(Caught(), 0);
 }

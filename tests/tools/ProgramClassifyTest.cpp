@@ -7,7 +7,9 @@
 #include "tests/support/TestMedia.h"
 #include "tests/tools/ProgramRun.h"
 
+using ::testing::AllOf;
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 namespace {
 
@@ -38,17 +40,19 @@ void ExpectRefused(const std::string& path, const std::string& line) {
 TEST(ProgramClassify, TellsEveryAnswerInColumns) {
     const std::string text = TextOf(MadeMedia("mp4-rotate90.mp4"));
     for (const char* line :
-         {"\nmember            none\n", "\nsubtype           MEDIASUBTYPE_None (by nothing)\n",
+         {"\ncontents          mov,mp4,m4a,3gp,3g2,mj2\n",
+          "\nsubtype           MEDIASUBTYPE_None (by nothing)\n",
           "\nsource filter     file source {E436EBB5-524F-11CE-9F53-0020AF0BA770}\n",
           "\nbackend           6.2 or later      below 6.2\n",
           "\n  audio           Media Foundation  Media Foundation\n",
           "\n  video samples   Media Foundation  DirectShow\n",
           "\n  detection       Media Foundation  DirectShow\n",
-          "\naudio route       Media Foundation\n", "\nMP4               yes\n",
-          "\n  track 1         video avc1 \"H.264 ( QuickTime )\", shown 64x48, coded 64x48, ",
-          ", coded 64x48, pixel aspect 1:1, matrix [0 -1; 1 0], volume 0\n",
+          "\naudio route       Media Foundation (not in this build)\n", "\nMP4               yes\n",
+          "\n  track 1         video avc1 \"H.264 ( QuickTime )\", size before turning 64x48, "
+          "coded "
+          "64x48, pixel aspect 1:1, matrix [0 -1; 1 0]\n",
           "\nstreams           video avc1, audio mp4a\n",
-          "\norientation       [0 -1; 1 0], size 64x48, turn by 90 degrees\n"}) {
+          "\norientation       [0 -1; 1 0], turn by 90 degrees, shown 48x64\n"}) {
         EXPECT_THAT(text, HasSubstr(line));
     }
 }
@@ -73,8 +77,7 @@ TEST(ProgramClassify, TellsEveryAnswerAsJson) {
 
 TEST(ProgramClassify, WhatIsNoMp4IsNoFailure) {
     EXPECT_THAT(TextOf(MadeMedia("classify/tone.wav")),
-                HasSubstr("\nMP4               no: the file cannot be opened, or its first box is "
-                          "not an ftyp\n"));
+                HasSubstr("\nMP4               no: its first box is not an ftyp\n"));
     const auto json = JsonOf(MadeMedia("mp4-no-ftyp.mov"));
     EXPECT_EQ(json["mp4"]["parsed"], false);
     EXPECT_THAT(json["mp4"]["problem"].get<std::string>(), HasSubstr("ftyp"));
@@ -89,7 +92,15 @@ TEST(ProgramClassify, AMemberIsReadFromItsRecording) {
 
 TEST(ProgramClassify, AMemberOfAMissingRecordingIsRefused) {
     const TemporaryFolder folder;
-    ExpectRefused(folder / "a.orirec!Screen_Stream.avi", (folder / "a.orirec") + ": no such file");
+    const std::string path = folder / "a.orirec!Screen_Stream.avi";
+    const std::string container = folder / "a.orirec";
+    ExpectRefused(path,
+                  path + ": names a stream inside a recording: " + container + ": no such file");
+    folder.Write("a.orirec!Screen_Stream.avi", "x");
+    ExpectRefused(path, path +
+                            ": names a stream inside a recording, although a file of that whole "
+                            "name is there: " +
+                            container + ": no such file");
 }
 
 TEST(ProgramClassify, WhatCannotBeReadIsRefused) {
@@ -102,4 +113,39 @@ TEST(ProgramClassify, WhatCannotBeReadIsRefused) {
 TEST(ProgramClassify, ANameWithALineBreakStaysOnItsLine) {
     const TemporaryFolder folder;
     EXPECT_THAT(TextOf(folder.Write("a\nb.mp4", "x")), HasSubstr("/a\\x0ab.mp4\n"));
+}
+
+TEST(ProgramClassify, ThePathThatIsEmptyIsRefused) {
+    ExpectRefused("", "\"\": names no file");
+    ExpectRefused("/proc/cpuinfo", "/proc/cpuinfo: has contents but no size");
+}
+
+TEST(ProgramClassify, LinesThatWouldSayNothingAreLeftOut) {
+    const std::string text = TextOf(MadeMedia("classify/tone.wav"));
+    for (const char* name : {"\nmember", "\nstreams", "\nAAC", "\norientation", "\ncontainer",
+                             "\npreferred", "\nremark", "\nPNG"}) {
+        EXPECT_THAT(text, Not(HasSubstr(name)));
+    }
+}
+
+TEST(ProgramClassify, AnOrientationThatCannotBeReadIsUnknown) {
+    const TemporaryFolder folder;
+    const std::string path =
+        folder.Write("a.mp4", ReadWholeFile(MadeMedia("mp4-rotate90.mp4")) + "\r\n");
+    EXPECT_THAT(
+        TextOf(path),
+        AllOf(HasSubstr("\norientation       unknown: its boxes cannot be walked to the end\n"),
+              HasSubstr("\nremark            the walk over the boxes stops at byte ")));
+    EXPECT_EQ(JsonOf(path)["mp4"]["orientation"], nullptr);
+    EXPECT_EQ(JsonOf(path)["remarks"].size(), 1U);
+}
+
+TEST(ProgramClassify, ACodecOfAnyBytesStaysReadable) {
+    const TemporaryFolder folder;
+    std::string bytes = ReadWholeFile(MadeMedia("mp4-jpeg.mov"));
+    bytes.replace(bytes.find("jpeg", bytes.find("stsd")), 4, "\xC2\x9B,\\");
+    const std::string path = folder.Write("odd.mov", bytes);
+    EXPECT_THAT(TextOf(path), HasSubstr("\nstreams           video \"\\xc2\\x9b,\\x5c\"\n"));
+    EXPECT_EQ(JsonOf(path)["mp4"]["streams"][0]["codec"], "\\xc2\\x9b,\\x5c");
+    EXPECT_EQ(JsonOf(path)["mp4"]["streams"][0]["kind"], "video");
 }

@@ -1,6 +1,11 @@
 #include "tools/zanthe/ClassifyReport.h"
 
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdint>
 #include <iomanip>
+#include <numeric>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -13,7 +18,10 @@ namespace Program {
 namespace {
 
 using Zanthe::ClassifiedBackend;
+using Zanthe::ClassifiedOrientation;
 using Zanthe::ClassifiedPath;
+using Zanthe::ClassifiedRoute;
+using Zanthe::ClassifiedStream;
 using Zanthe::ClassifiedTrack;
 using Zanthe::FileClassification;
 
@@ -32,7 +40,7 @@ std::string Joined(const std::vector<std::string>& parts) {
     for (const std::string& part : parts) {
         text += (text.empty() ? "" : ", ") + part;
     }
-    return text.empty() ? "none" : text;
+    return text;
 }
 
 std::string SizeText(std::int32_t width, std::int32_t height) {
@@ -47,12 +55,39 @@ std::string MatrixText(const std::array<double, 4>& matrix) {
 }
 
 std::string MemberText(const ClassifiedPath& path) {
-    if (path.member.empty()) {
-        return "none";
-    }
     return path.member + " (" + path.kind + ", stream " + std::to_string(path.stream) +
            ", ordinal " + std::to_string(path.ordinal) + ", code " +
            std::to_string(path.memberCode) + ')';
+}
+
+// Four characters of any bytes: plain where they are letters, digits and what is usual among them,
+// else in quotes and with what cannot be printed as \xHH.
+std::string CodecText(const std::string& codec) {
+    const auto isPlain = [](unsigned char byte) {
+        return std::isalnum(byte) != 0 || byte == ' ' || byte == '.' || byte == '-' || byte == '_';
+    };
+    if (codec.empty()) {
+        return "(no codec)";
+    }
+    const bool plain = std::all_of(codec.begin(), codec.end(), isPlain) && codec[0] != ' ';
+    return plain ? codec : '"' + Printable(codec) + '"';
+}
+
+std::string PixelAspectText(const ClassifiedTrack& track) {
+    if (!track.pixelAspect) {
+        return "not told for this codec";
+    }
+    const auto [width, height] = *track.pixelAspect;
+    const std::int64_t divisor =
+        std::max<std::int64_t>(std::gcd(std::int64_t{width}, std::int64_t{height}), 1);
+    return std::to_string(width / divisor) + ':' + std::to_string(height / divisor);
+}
+
+std::string RouteText(const ClassifiedRoute& route) {
+    if (!route.failure.empty()) {
+        return "fails: " + route.failure;
+    }
+    return route.isBuilt ? route.backend : route.backend + " (not in this build)";
 }
 
 void PrintRow(std::string_view name, std::string_view answer, std::ostream& out) {
@@ -72,23 +107,72 @@ void PrintBackends(const FileClassification& file, std::ostream& out) {
     PrintBackend("video samples", file.videoSamples, out);
     PrintBackend("detection", file.detection, out);
     PrintRow("this system", file.system62 ? "6.2 or later" : "below 6.2", out);
-    PrintRow("audio route", file.audioRoute, out);
-    PrintRow("video route", file.videoRoute, out);
+    PrintRow("audio route", RouteText(file.audioRoute), out);
+    PrintRow("video route", RouteText(file.videoRoute), out);
+}
+
+std::string PictureText(const ClassifiedTrack& track) {
+    return ", size before turning " + SizeText(track.width, track.height) + ", coded " +
+           SizeText(track.codedWidth, track.codedHeight) + ", pixel aspect " +
+           PixelAspectText(track) + ", matrix " + MatrixText(track.matrix);
 }
 
 void PrintTrack(const ClassifiedTrack& track, std::ostream& out) {
-    std::ostringstream name;
-    name << "  track " << track.id;
-    std::ostringstream text;
-    text << track.kind << ' ' << (track.codec.empty() ? "(no codec)" : track.codec);
-    if (track.displayName) {
-        text << " \"" << *track.displayName << '"';
+    std::string text = track.kind + ' ' + CodecText(track.codec);
+    if (track.codecDoubtful) {
+        text += " (no codec: see the remark)";
     }
-    text << ", shown " << SizeText(track.width, track.height) << ", coded "
-         << SizeText(track.codedWidth, track.codedHeight) << ", pixel aspect " << track.parWidth
-         << ':' << track.parHeight << ", matrix " << MatrixText(track.matrix) << ", volume "
-         << track.volume;
-    PrintRow(name.str(), text.str(), out);
+    if (track.displayName) {
+        text += " \"" + *track.displayName + '"';
+    }
+    if (track.kind != "audio") {
+        text += PictureText(track);
+    }
+    if (track.kind != "video") {
+        text += ", volume " + std::to_string(track.volume);
+    }
+    PrintRow("  track " + std::to_string(track.id), text, out);
+}
+
+std::string StreamsText(const std::vector<ClassifiedStream>& streams) {
+    std::vector<std::string> parts;
+    parts.reserve(streams.size());
+    for (const ClassifiedStream& stream : streams) {
+        parts.push_back(stream.kind + ' ' + CodecText(stream.codec));
+    }
+    return Joined(parts);
+}
+
+std::string OrientationText(const ClassifiedOrientation& orientation) {
+    const bool sideways = orientation.rotation == 90 || orientation.rotation == 270;
+    const std::string shown = sideways ? SizeText(orientation.height, orientation.width)
+                                       : SizeText(orientation.width, orientation.height);
+    const std::string turn = "turn by " + std::to_string(orientation.rotation) + " degrees";
+    return MatrixText(orientation.matrix) + ", " +
+           (orientation.isPlainTurn ? turn + ", shown " + shown
+                                    : "no plain turn (mirrored or skewed): " + turn);
+}
+
+bool IsNamedMp4(const FileClassification& file) {
+    const std::string& path = file.parsed.container;
+    std::string extension = path.substr(std::min(path.rfind('.'), path.size()));
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char each) { return static_cast<char>(std::tolower(each)); });
+    return extension == ".mp4" || extension == ".mov";
+}
+
+// What only files of the two names are asked for.
+void PrintMp4Answers(const FileClassification& file, std::ostream& out) {
+    PrintRow("PNG QuickTime", YesOrNo(file.pngMov), out);
+    PrintRow("AAC in MP4", YesOrNo(file.aacInMp4), out);
+    if (!file.orientation) {
+        PrintRow("orientation",
+                 "unknown: " + (file.mp4Problem.empty() ? "a box that it stands in is damaged"
+                                                        : file.mp4Problem),
+                 out);
+    } else if (!file.tracks.empty()) {
+        PrintRow("orientation", OrientationText(*file.orientation), out);
+    }
 }
 
 void PrintMp4(const FileClassification& file, std::ostream& out) {
@@ -96,14 +180,12 @@ void PrintMp4(const FileClassification& file, std::ostream& out) {
     for (const ClassifiedTrack& track : file.tracks) {
         PrintTrack(track, out);
     }
-    PrintRow("streams", Joined(file.streams), out);
-    PrintRow("PNG QuickTime", YesOrNo(file.pngMov), out);
-    PrintRow("AAC in MP4", YesOrNo(file.aacInMp4), out);
-    PrintRow("orientation",
-             MatrixText(file.orientation) + ", size " +
-                 SizeText(file.orientationWidth, file.orientationHeight) + ", turn by " +
-                 std::to_string(file.rotation) + " degrees",
-             out);
+    if (!file.streams.empty()) {
+        PrintRow("streams", StreamsText(file.streams), out);
+    }
+    if (IsNamedMp4(file)) {
+        PrintMp4Answers(file, out);
+    }
 }
 
 Json JsonOf(const ClassifiedPath& path) {
@@ -117,42 +199,71 @@ Json JsonOf(const ClassifiedBackend& backend) {
             {"below_6.2", BackendName(backend.mediaFoundationBelow62)}};
 }
 
+Json JsonOf(const ClassifiedRoute& route) {
+    Json json{{"backend", route.backend}, {"built", route.isBuilt}, {"failure", nullptr}};
+    if (!route.failure.empty()) {
+        json["backend"] = nullptr;
+        json["failure"] = route.failure;
+    }
+    return json;
+}
+
 Json JsonOf(const ClassifiedTrack& track) {
     Json json{{"id", track.id},
               {"kind", track.kind},
-              {"codec", track.codec},
+              {"codec", Printable(track.codec)},
+              {"codec_doubtful", track.codecDoubtful},
               {"display_name", nullptr},
               {"width", track.width},
               {"height", track.height},
               {"coded_width", track.codedWidth},
               {"coded_height", track.codedHeight},
-              {"pixel_aspect", {track.parWidth, track.parHeight}},
+              {"pixel_aspect", nullptr},
               {"matrix", track.matrix},
               {"volume", track.volume}};
     if (track.displayName) {
         json["display_name"] = *track.displayName;
     }
+    if (track.pixelAspect) {
+        json["pixel_aspect"] = *track.pixelAspect;
+    }
     return json;
 }
 
-Json Mp4JsonOf(const FileClassification& file) {
-    Json tracks = Json::array();
-    for (const ClassifiedTrack& track : file.tracks) {
-        tracks.push_back(JsonOf(track));
+Json JsonOf(const ClassifiedStream& stream) {
+    return {{"kind", stream.kind}, {"codec", Printable(stream.codec)}};
+}
+
+Json JsonOf(const ClassifiedOrientation& orientation) {
+    return {{"matrix", orientation.matrix},
+            {"width", orientation.width},
+            {"height", orientation.height},
+            {"rotation", orientation.rotation},
+            {"plain_turn", orientation.isPlainTurn}};
+}
+
+template <typename Element>
+Json ArrayOf(const std::vector<Element>& elements) {
+    Json array = Json::array();
+    for (const Element& element : elements) {
+        array.push_back(JsonOf(element));
     }
+    return array;
+}
+
+Json Mp4JsonOf(const FileClassification& file) {
     Json json{{"parsed", file.mp4Problem.empty()},
               {"problem", nullptr},
-              {"tracks", std::move(tracks)},
-              {"streams", file.streams},
+              {"tracks", ArrayOf(file.tracks)},
+              {"streams", ArrayOf(file.streams)},
               {"png_quicktime", file.pngMov},
               {"aac", file.aacInMp4},
-              {"orientation",
-               {{"matrix", file.orientation},
-                {"width", file.orientationWidth},
-                {"height", file.orientationHeight},
-                {"rotation", file.rotation}}}};
+              {"orientation", nullptr}};
     if (!file.mp4Problem.empty()) {
         json["problem"] = file.mp4Problem;
+    }
+    if (file.orientation) {
+        json["orientation"] = JsonOf(*file.orientation);
     }
     return json;
 }
@@ -161,19 +272,28 @@ Json Mp4JsonOf(const FileClassification& file) {
 
 void PrintLines(const FileClassification& file, std::ostream& out) {
     PrintRow("file", file.path, out);
-    PrintRow("container", file.parsed.container, out);
-    PrintRow("member", MemberText(file.parsed), out);
+    if (!file.parsed.member.empty()) {
+        PrintRow("container", file.parsed.container, out);
+        PrintRow("member", MemberText(file.parsed), out);
+    }
+    PrintRow("contents", file.contents.empty() ? "unknown" : file.contents, out);
     PrintRow("subtype", file.subtype + " (by " + file.subtypeSource + ')', out);
     PrintRow("source filter", file.sourceFilter + ' ' + file.sourceFilterId, out);
-    PrintRow("preferred filters", Joined(file.preferredFilters), out);
+    if (!file.preferredFilters.empty()) {
+        PrintRow("preferred filters", Joined(file.preferredFilters), out);
+    }
     PrintBackends(file, out);
     PrintMp4(file, out);
+    for (const std::string& remark : file.remarks) {
+        PrintRow("remark", remark, out);
+    }
 }
 
 void PrintJson(const FileClassification& file, std::ostream& out) {
     PrintJsonLine({{"command", "classify"},
                    {"file", file.path},
                    {"path", JsonOf(file.parsed)},
+                   {"contents", file.contents},
                    {"subtype", {{"name", file.subtype}, {"told_by", file.subtypeSource}}},
                    {"source_filter", {{"name", file.sourceFilter}, {"id", file.sourceFilterId}}},
                    {"preferred_filters", file.preferredFilters},
@@ -181,9 +301,10 @@ void PrintJson(const FileClassification& file, std::ostream& out) {
                    {"video_samples", JsonOf(file.videoSamples)},
                    {"detection", JsonOf(file.detection)},
                    {"system", file.system62 ? "6.2_or_later" : "below_6.2"},
-                   {"audio_route", file.audioRoute},
-                   {"video_route", file.videoRoute},
-                   {"mp4", Mp4JsonOf(file)}},
+                   {"audio_route", JsonOf(file.audioRoute)},
+                   {"video_route", JsonOf(file.videoRoute)},
+                   {"mp4", Mp4JsonOf(file)},
+                   {"remarks", file.remarks}},
                   out);
 }
 

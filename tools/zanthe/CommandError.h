@@ -21,8 +21,13 @@ private:
     std::size_t m_subjectLength; // with what separates it
 };
 
-// `text` with its control characters written as \xHH: a file's name may hold line breaks and
-// terminal commands, and what we print about it stays one line all the same.
+// `text` with its control characters, and bytes that are no UTF-8, written as \xHH: a file's name
+// may hold line breaks and terminal commands, and what we print about it stays one line all the
+// same.
 std::string OneLine(std::string_view text);
+
+// `text` with everything but printable ASCII, and the backslash too, written as \xHH: for bytes
+// that are no text by nature.
+std::string Printable(std::string_view text);
 
 } // namespace Program

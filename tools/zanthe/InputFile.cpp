@@ -27,9 +27,24 @@ std::string TextOf(int error) {
     }
 }
 
+// For a file that has no size: files that the system makes up, as those of /proc, tell none.
+bool HasContents(const std::string& path) {
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    char first = 0;
+    const bool has = file >= 0 && read(file, &first, 1) > 0;
+    if (file >= 0) {
+        close(file);
+    }
+    return has;
+}
+
 } // namespace
 
 void RequireReadableFile(const std::string& path) {
+    if (path.empty()) {
+        throw CommandError("\"\"", "names no file");
+    }
+
     struct stat status {};
 
     if (stat(path.c_str(), &status) != 0) {
@@ -47,7 +62,7 @@ void RequireReadableFile(const std::string& path) {
         throw CommandError(path, TextOf(errno));
     }
     if (status.st_size == 0) {
-        throw CommandError(path, "is empty");
+        throw CommandError(path, HasContents(path) ? "has contents but no size" : "is empty");
     }
 }
 

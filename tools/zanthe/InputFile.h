@@ -7,8 +7,8 @@
 namespace Program {
 
 // Returns when `path` names a regular file that is not empty and may be read. Throws CommandError
-// otherwise: "no such file", "is a folder", "is not a regular file", "is empty",
-// "permission denied", or the system's own text.
+// otherwise: "names no file", "no such file", "is a folder", "is not a regular file", "is empty",
+// "has contents but no size", "permission denied", or the system's own text.
 void RequireReadableFile(const std::string& path);
 
 // Returns when `output` is not the file `input`, by whatever names. Throws CommandError otherwise:

@@ -28,6 +28,16 @@ void Catch(int signal) {
     sigaction(signal, &action, nullptr);
 }
 
+void StopCatching(int signal) {
+    struct sigaction action {};
+
+    if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler == NoteSignal) {
+        action = {};
+        action.sa_handler = SIG_DFL;
+        sigaction(signal, &action, nullptr);
+    }
+}
+
 } // namespace
 
 void CatchInterrupts() {
@@ -35,6 +45,13 @@ void CatchInterrupts() {
     Catch(SIGTERM);
     Catch(SIGHUP);
     Catch(SIGPIPE);
+}
+
+void StopCatchingInterrupts() {
+    StopCatching(SIGINT);
+    StopCatching(SIGTERM);
+    StopCatching(SIGHUP);
+    ThrowIfInterrupted();
 }
 
 void ThrowIfInterrupted() {

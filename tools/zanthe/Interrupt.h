@@ -17,6 +17,10 @@ struct Interrupted {
 // the program wants ignored (nohup) stays ignored.
 void CatchInterrupts();
 
+// Undoes it: a signal ends the program at once from now on. For work that writes no file, so that
+// there is nothing to tidy and no need to ask. Throws as ThrowIfInterrupted does.
+void StopCatchingInterrupts();
+
 // Throws Interrupted if a signal came since CatchInterrupts or the last throw.
 void ThrowIfInterrupted();
 

@@ -1,5 +1,6 @@
 #include "zanthe/analysis/FileClassification.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <new>
@@ -7,10 +8,14 @@
 
 #include <boost/make_shared.hpp>
 
+#include "platform/av/Contents.h"
+#include "platform/av/Mp4Boxes.h"
 #include "platform/dshow/CodedSubtype.h"
 #include "platform/dshow/Uuids.h"
+#include "platform/win32/Path.h"
 #include "platform/win32/Text.h"
 #include "zanthe/analysis/BrecStreamOrdinal.h"
+#include "zanthe/analysis/ClassificationRemarks.h"
 #include "zanthe/analysis/FileReader.h"
 #include "zanthe/analysis/FileSignature.h"
 #include "zanthe/analysis/IdentifierNames.h"
@@ -93,9 +98,33 @@ ClassifiedPath ParsePath(const std::wstring& path) {
     return parsed;
 }
 
-ClassifiedBackend BackendFor(const std::wstring& path, MediaFoundationPurpose purpose) {
-    return {ShouldUseMediaFoundation(path, purpose, boost::make_shared<SupposedVersion>(true)),
-            ShouldUseMediaFoundation(path, purpose, boost::make_shared<SupposedVersion>(false))};
+// Formats of single pictures are called "png_pipe" and so on.
+std::string ContentsName(const std::string& container) {
+    constexpr std::string_view pipe = "_pipe";
+    const std::string name = av::ContentsOf(win32::ExistingPath(container));
+    const std::size_t at = name.rfind(pipe);
+    const bool picture = at != std::string::npos && at + pipe.size() == name.size();
+    return picture ? name.substr(0, at) + " picture" : name;
+}
+
+ClassifiedBackend BackendFor(const std::wstring& path, MediaFoundationPurpose purpose,
+                             bool pngMov) {
+    const auto isPngMov = [pngMov] { return pngMov; };
+    return {ShouldUseMediaFoundation(path, purpose, boost::make_shared<SupposedVersion>(true),
+                                     isPngMov),
+            ShouldUseMediaFoundation(path, purpose, boost::make_shared<SupposedVersion>(false),
+                                     isPngMov)};
+}
+
+// What this build has a backend behind; None needs none. A route that is chosen and missing here
+// fails to open.
+constexpr std::array<AudioRoute, 1> BuiltAudioRoutes{AudioRoute::Ffmpeg};
+constexpr std::array<VideoRoute, 0> BuiltVideoRoutes{};
+constexpr std::array<OwnVideoDecoder, 1> BuiltOwnDecoders{OwnVideoDecoder::None};
+
+template <typename Routes, typename Route>
+bool IsBuilt(const Routes& built, Route route) {
+    return std::find(built.begin(), built.end(), route) != built.end();
 }
 
 const char* AudioRouteName(AudioRoute route) {
@@ -128,31 +157,41 @@ const char* OwnDecoderName(OwnVideoDecoder decoder) {
     return "none: no decoder for it";
 }
 
+ClassifiedRoute OwnDecoderRoute(OwnVideoDecoder decoder) {
+    return {OwnDecoderName(decoder), IsBuilt(BuiltOwnDecoders, decoder)};
+}
+
 // As the factory decides for stream 0, which is also who opens the file to see.
-std::string FindVideoRoute(const std::string& path) {
+ClassifiedRoute FindVideoRoute(const std::string& path) {
     const auto opensAsPngMov = [&] { return DecoderRoutes().CreatePngMov(path, 0) != nullptr; };
-    switch (
-        ChooseVideoRoute(path, true, opensAsPngMov, boost::make_shared<WindowsVersionProvider>())) {
+    const VideoRoute route =
+        ChooseVideoRoute(path, true, opensAsPngMov, boost::make_shared<WindowsVersionProvider>());
+    switch (route) {
     case VideoRoute::OwnDecoder:
-        return OwnDecoderName(ChooseOwnDecoder(path, opensAsPngMov));
+        return OwnDecoderRoute(ChooseOwnDecoder(path, opensAsPngMov));
     case VideoRoute::MediaFoundation:
-        return "Media Foundation";
+        return {"Media Foundation", IsBuilt(BuiltVideoRoutes, route)};
     case VideoRoute::DirectShow:
         break;
     }
-    return "DirectShow";
+    return {"DirectShow", IsBuilt(BuiltVideoRoutes, route)};
 }
 
-std::string VideoRouteText(const std::string& path) {
+ClassifiedRoute VideoRouteOf(const std::string& path) {
     try {
         return FindVideoRoute(path);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& failure) {
-        return std::string("fails: ") + failure.what();
+        return {"", false, failure.what()};
     } catch (const char* failure) { // as backends on filter graphs throw their texts
-        return std::string("fails: ") + failure;
+        return {"", false, failure};
     }
+}
+
+ClassifiedRoute AudioRouteOf(const std::string& path) {
+    const AudioRoute route = ChooseAudioRoute(path, boost::make_shared<WindowsVersionProvider>());
+    return {AudioRouteName(route), IsBuilt(BuiltAudioRoutes, route)};
 }
 
 std::string CodecOf(const MP4TrackInfo& track) {
@@ -181,11 +220,28 @@ ClassifiedTrack Classify(const MP4TrackInfo& track) {
     result.height = track.height;
     result.codedWidth = track.codedWidth;
     result.codedHeight = track.codedHeight;
-    result.parWidth = track.parWidth;
-    result.parHeight = track.parHeight;
+    if (result.codec == "avc1") {
+        result.pixelAspect = {track.parWidth, track.parHeight};
+    }
     result.matrix = track.matrix;
     result.volume = track.volume;
     return result;
+}
+
+// In words why FileReader does not take the file.
+std::string WhyNotMp4(const std::string& container) {
+    const auto boxes = av::Mp4Boxes::Open(win32::ExistingPath(container));
+    if (boxes == nullptr) {
+        return "the file cannot be opened";
+    }
+    const auto type = boxes->FourCharacters(4);
+    if (!type) {
+        return "the file is shorter than a box";
+    }
+    const bool printable = std::all_of(type->begin(), type->end(),
+                                       [](char each) { return each >= ' ' && each <= '~'; });
+    return printable ? "its first box is \"" + *type + "\", not an ftyp"
+                     : "its first box is not an ftyp";
 }
 
 bool StartsAsMp4(const std::wstring& path) {
@@ -202,24 +258,48 @@ void ClassifyTracks(const std::wstring& container, FileClassification& result) {
     try {
         parser.Parse(container);
     } catch (const MP4ParseException&) {
-        result.mp4Problem = StartsAsMp4(container)
-                                ? "its boxes cannot be walked to the end"
-                                : "the file cannot be opened, or its first box is not an ftyp";
+        result.mp4Problem = StartsAsMp4(container) ? "its boxes cannot be walked to the end"
+                                                   : WhyNotMp4(result.parsed.container);
     }
     for (const MP4TrackInfo& track : parser.Tracks()) {
         result.tracks.push_back(Classify(track));
     }
-    for (const MP4StreamType& stream : ReadMP4StreamTypes(container)) {
-        result.streams.push_back(std::string(TrackKindName(stream.type)) + ' ' + stream.codec);
+}
+
+// Behind a first sample description the finder of tracks reads on where the table ends. The lister
+// of streams does not, so where they differ that has happened.
+void MarkDoubtfulCodecs(FileClassification& result) {
+    const bool comparable = result.tracks.size() == result.streams.size();
+    for (std::size_t i = 0; comparable && i < result.tracks.size(); ++i) {
+        ClassifiedTrack& track = result.tracks[i];
+        track.codecDoubtful = !track.codec.empty() && track.codec != result.streams[i].codec;
     }
 }
 
+void ClassifyStreams(const std::wstring& path, FileClassification& result) {
+    const std::vector<MP4StreamType> streams =
+        ReadMP4StreamTypes(win32::Utf8ToWide(result.parsed.container));
+    for (const MP4StreamType& stream : streams) {
+        result.streams.push_back({TrackKindName(stream.type), stream.codec});
+    }
+    // The question about PNG pictures goes to the path as it was asked.
+    result.pngMov =
+        result.parsed.member.empty() ? IsMovWithPngVideo(path, streams) : IsMovWithPngVideo(path);
+}
+
+bool IsPlainTurn(const std::array<double, 4>& matrix, int rotation) {
+    const bool upright = matrix[0] > 0.0 && matrix[1] == 0.0 && matrix[2] == 0.0 && matrix[3] > 0.0;
+    const bool straight = matrix[1] == 0.0 && matrix[2] == 0.0;
+    const bool sideways = matrix[0] == 0.0 && matrix[3] == 0.0;
+    return rotation == 0 ? upright : (rotation == 180 ? straight : sideways);
+}
+
 void ClassifyOrientation(const std::wstring& path, FileClassification& result) {
-    const MediaOrientation orientation = ReadMediaOrientation(path);
-    result.orientation = orientation.matrix;
-    result.orientationWidth = orientation.width;
-    result.orientationHeight = orientation.height;
-    result.rotation = RotationFromOrientation(orientation);
+    if (const auto found = FindMediaOrientation(path)) {
+        const int rotation = RotationFromOrientation(*found);
+        result.orientation = {found->matrix, found->width, found->height, rotation,
+                              IsPlainTurn(found->matrix, rotation)};
+    }
 }
 
 void ClassifyFilters(const std::wstring& path, FileClassification& result) {
@@ -236,13 +316,12 @@ void ClassifyFilters(const std::wstring& path, FileClassification& result) {
 }
 
 void ClassifyBackends(const std::wstring& path, FileClassification& result) {
-    const auto system = boost::make_shared<WindowsVersionProvider>();
-    result.audio = BackendFor(path, MediaFoundationPurpose::Audio);
-    result.videoSamples = BackendFor(path, MediaFoundationPurpose::VideoSamples);
-    result.detection = BackendFor(path, MediaFoundationPurpose::Detection);
-    result.system62 = system->IsWindows62OrLater();
-    result.audioRoute = AudioRouteName(ChooseAudioRoute(result.path, system));
-    result.videoRoute = VideoRouteText(result.path);
+    result.audio = BackendFor(path, MediaFoundationPurpose::Audio, result.pngMov);
+    result.videoSamples = BackendFor(path, MediaFoundationPurpose::VideoSamples, result.pngMov);
+    result.detection = BackendFor(path, MediaFoundationPurpose::Detection, result.pngMov);
+    result.system62 = WindowsVersionProvider().IsWindows62OrLater();
+    result.audioRoute = AudioRouteOf(result.path);
+    result.videoRoute = VideoRouteOf(result.path);
 }
 
 } // namespace
@@ -252,12 +331,15 @@ FileClassification ClassifyFile(const std::string& path) {
     FileClassification result;
     result.path = path;
     result.parsed = ParsePath(widePath);
+    result.contents = ContentsName(result.parsed.container);
     ClassifyFilters(widePath, result);
+    ClassifyStreams(widePath, result);
     ClassifyBackends(widePath, result);
-    result.pngMov = IsMovWithPngVideo(widePath);
     result.aacInMp4 = AudioMediaReaderFactory::IsMP4WithAACAudio(path);
     ClassifyTracks(win32::Utf8ToWide(result.parsed.container), result);
+    MarkDoubtfulCodecs(result);
     ClassifyOrientation(widePath, result);
+    result.remarks = RemarksOn(result);
     return result;
 }
 

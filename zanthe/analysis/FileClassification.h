@@ -1,11 +1,11 @@
 // Every answer that the library has about a path, in one value of plain words and numbers: what the
-// file is, and which backend each purpose sends it to. For an engineer with a file that misbehaves;
-// the library itself asks each question where it needs it, and these are the same answers.
+// file is, and which backend each purpose sends it to. For whoever has a file that misbehaves; the
+// library itself asks each question where it needs it, and these are the same answers.
 //
 //     const Zanthe::FileClassification file = Zanthe::ClassifyFile("clip.mp4");
 //     file.subtype                          // "MEDIASUBTYPE_None"
 //     file.videoSamples.mediaFoundation62   // true
-//     file.videoRoute                       // "Media Foundation"
+//     file.videoRoute.backend               // "Media Foundation"
 #pragma once
 
 #include <array>
@@ -18,14 +18,16 @@
 
 namespace Zanthe {
 
-// A path taken apart, which may name one stream inside a recording.
+// A path taken apart, which may name one stream inside a recording behind a "!".
 struct ClassifiedPath {
     std::string container;       // path of the file to open
     std::string member;          // behind the "!", as "video2.mp4"; empty where none is recognised
     std::string kind;            // "no member", "numbered video", "screen video", ...
-    std::int32_t stream = 0;     // number of the stream within its kind; 0 without one
+    std::int32_t stream = 0;     // the digit in the member's name; 0 without one
     std::int32_t memberCode = 0; // by the member's first letter, 100 to 105; 0 for any other
-    std::uint32_t ordinal = 0;   // of a ".brec" member: its place among the streams of its kind
+
+    // Of a numbered member of a ".brec": how many streams of its kind stand before its own.
+    std::uint32_t ordinal = 0;
 
     friend bool operator==(const ClassifiedPath&, const ClassifiedPath&) = default;
 };
@@ -38,32 +40,71 @@ struct ClassifiedBackend {
     friend bool operator==(const ClassifiedBackend&, const ClassifiedBackend&) = default;
 };
 
-// One track of an MP4 or QuickTime file.
+// The backend that reads a file on this system.
+struct ClassifiedRoute {
+    std::string backend;   // as FileClassification says
+    bool isBuilt = false;  // whether this build of the library has it; else it fails to open
+    std::string failure{}; // the text where already the choice failed, and backend is empty
+
+    friend bool operator==(const ClassifiedRoute&, const ClassifiedRoute&) = default;
+};
+
+// One track of an MP4 or QuickTime file, as media detection has it.
 struct ClassifiedTrack {
     std::int32_t id = 0;
     std::string kind;                       // "video", "audio" or "other"
     std::string codec;                      // four bytes as the file has them; empty: none met
+    bool codecDoubtful = false;             // these bytes stand behind several sample descriptions
     std::optional<std::string> displayName; // of the subtype that carries those four characters
-    std::int32_t width = 0;                 // as shown, in whole pixels; so is height
+    std::int32_t width = 0;                 // before turning, in whole pixels; so is height
     std::int32_t height = 0;
-    std::int32_t codedWidth = 0; // in pixels, told of "avc1" only; so are the next three
+    std::int32_t codedWidth = 0; // in pixels, told of "avc1" only; so is codedHeight
     std::int32_t codedHeight = 0;
-    std::int32_t parWidth = 1; // shape of a pixel, width to height
-    std::int32_t parHeight = 1;
+
+    // Shape of a pixel, width to height. Nothing for codecs other than "avc1", of which it is not
+    // told; 1 to 1 for an "avc1" that says nothing.
+    std::optional<std::array<std::int32_t, 2>> pixelAspect;
+
     std::array<double, 4> matrix{1, 0, 0, 1}; // row-major 2 by 2 display transform
     std::int32_t volume = 0;                  // 1 at full volume, 0 at silence
 
     friend bool operator==(const ClassifiedTrack&, const ClassifiedTrack&) = default;
 };
 
-// Texts are UTF-8 where the file's own are, and never null pointers; all is the caller's own copy.
+// One track as the lister of streams has it, which may see another kind or codec.
+struct ClassifiedStream {
+    std::string kind;  // "video", "audio" or "other"
+    std::string codec; // four bytes as the file has them; empty: none met
+
+    friend bool operator==(const ClassifiedStream&, const ClassifiedStream&) = default;
+};
+
+// How the last video track is to be shown.
+struct ClassifiedOrientation {
+    std::array<double, 4> matrix{1, 0, 0, 1}; // row-major: the movie's times the track's
+    std::int32_t width = 0;                   // before turning, in whole pixels; so is height
+    std::int32_t height = 0;
+    int rotation = 0; // clockwise turn that the picture needs, in degrees: 0, 90, 180 or 270
+
+    // Whether that turn, with or without a scale, is all. False where the matrix mirrors, skews or
+    // turns by something between; rotation is 0 for most of these.
+    bool isPlainTurn = true;
+
+    friend bool operator==(const ClassifiedOrientation&, const ClassifiedOrientation&) = default;
+};
+
+// All of it is the caller's own copy. Texts are UTF-8 where the file's name and codecs are.
 struct FileClassification {
     std::string path; // as it was asked
     ClassifiedPath parsed;
 
-    std::string subtype;        // "MEDIASUBTYPE_Avi", ...; a subtype without a name as its GUID
+    // What the first bytes are, whatever the name says: the name of a container or picture format,
+    // as "mov,mp4,m4a,3gp,3g2,mj2", "mp3" or "png picture". Empty where nothing is recognised.
+    std::string contents;
+
+    std::string subtype;        // "MEDIASUBTYPE_Avi", ...
     std::string subtypeSource;  // told by "signature", "extension" or "nothing"
-    std::string sourceFilter;   // "file source", "none", ...; one without a name as its GUID
+    std::string sourceFilter;   // "file source", "none", ...
     std::string sourceFilterId; // that class as "{E436EBB5-524F-11CE-9F53-0020AF0BA770}"
     std::vector<std::string> preferredFilters; // libraries of the vendor filters offered to a graph
 
@@ -71,32 +112,33 @@ struct FileClassification {
     ClassifiedBackend videoSamples; // pictures
     ClassifiedBackend detection;    // facts about the file
 
-    bool system62 = false;  // whether this system counts as version 6.2 or later
-    std::string audioRoute; // on this system: "FFmpeg", "recording", "Media Foundation" or
-                            // "DirectShow"
+    bool system62 = false; // whether this system counts as version 6.2 or later
 
-    // On this system, for stream 0 and with Media Foundation allowed: "Media Foundation",
-    // "DirectShow", "legacy recording decoder", "recording decoder", "PNG QuickTime decoder",
-    // "GIF decoder", or "none: no decoder for it". Where already the choice fails, "fails: " and
-    // the text of the failure.
-    std::string videoRoute;
+    // "FFmpeg", "recording", "Media Foundation" or "DirectShow".
+    ClassifiedRoute audioRoute;
+
+    // For stream 0 and with Media Foundation allowed: "Media Foundation", "DirectShow", "legacy
+    // recording decoder", "recording decoder", "PNG QuickTime decoder", "GIF decoder", or "none: no
+    // decoder for it".
+    ClassifiedRoute videoRoute;
 
     bool pngMov = false;   // a ".mov" with PNG pictures
     bool aacInMp4 = false; // an MP4 whose first sound track is "mp4a"
 
-    // Why the container is no MP4 or QuickTime file that can be walked; empty where it is one. Else
-    // "the file cannot be opened, or its first box is not an ftyp" or "its boxes cannot be walked
-    // to the end", in which case the tracks are those met before that place.
+    // Why the container is no MP4 or QuickTime file that can be walked to its end; empty where it
+    // can. The tracks are then those met before the place where the walk stopped, and the streams
+    // none.
     std::string mp4Problem;
     std::vector<ClassifiedTrack> tracks; // in file order
-    std::vector<std::string> streams;    // as the lister of streams has it: "video avc1", ...
+    std::vector<ClassifiedStream> streams;
 
-    // How the last video track is to be shown. The identity without a size where the extension is
-    // neither "mov" nor "mp4", or the file cannot be walked.
-    std::array<double, 4> orientation{1, 0, 0, 1}; // row-major: the movie's times the track's
-    std::int32_t orientationWidth = 0;             // as shown, in whole pixels; so is the height
-    std::int32_t orientationHeight = 0;
-    int rotation = 0; // clockwise turn that the picture needs, in degrees: 0, 90, 180 or 270
+    // Nothing where the extension is neither "mov" nor "mp4", or the file cannot be walked to its
+    // end: the library then shows the pictures as they are.
+    std::optional<ClassifiedOrientation> orientation;
+
+    // What a person ought to know about these answers: a file that is cut short, a name that its
+    // contents contradict, ... One sentence each, without a full stop.
+    std::vector<std::string> remarks;
 };
 
 // Classifies the file at `path` (UTF-8), which may name a member of a recording. A file that is

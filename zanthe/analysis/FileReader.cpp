@@ -1,6 +1,5 @@
 #include "zanthe/analysis/FileReader.h"
 
-#include <algorithm>
 #include <limits>
 #include <string_view>
 
@@ -9,6 +8,8 @@
 
 void FileReader::Open(const std::wstring& path) {
     m_file.reset(OpenHandle(path));
+    m_position = 0;
+    m_ahead = {};
     RequireFileType();
     Seek(0);
 }
@@ -36,50 +37,36 @@ void FileReader::RequireFileType() {
 }
 
 void FileReader::Read(void* buffer, std::uint64_t byteCount) {
-    auto* target = static_cast<char*>(buffer);
-    while (byteCount > 0) {
-        const auto wanted = static_cast<DWORD>(
-            std::min<std::uint64_t>(byteCount, std::numeric_limits<DWORD>::max()));
-        DWORD got = 0;
-        if (ReadFile(m_file.get(), target, wanted, &got, nullptr) == FALSE || got != wanted) {
-            throw MP4ParseException();
-        }
-        target += got;
-        byteCount -= got;
+    if (!m_ahead.Read(m_file.get(), m_position, buffer, byteCount)) {
+        throw MP4ParseException();
     }
+    m_position += byteCount;
 }
 
 std::uint64_t FileReader::GetSize() {
-    const std::optional<std::uint64_t> before = Move(0, FILE_CURRENT);
-    Move(0, FILE_END);
-    const std::optional<std::uint64_t> size = Move(0, FILE_CURRENT);
-    if (before.has_value()) {
-        Move(static_cast<std::int64_t>(*before), FILE_BEGIN);
-    }
-    return size.value_or(0);
+    LARGE_INTEGER none;
+    none.QuadPart = 0;
+    LARGE_INTEGER end;
+    const bool known = SetFilePointerEx(m_file.get(), none, &end, FILE_END) != FALSE;
+    return known ? static_cast<std::uint64_t>(end.QuadPart) : m_position;
 }
 
 void FileReader::Seek(std::uint64_t position) {
-    // The system's positions are signed: one beyond 63 bits comes out as negative and is refused.
-    if (!Move(static_cast<std::int64_t>(position), FILE_BEGIN).has_value()) {
+    RequireOpen();
+    // The system's positions are signed: one beyond 63 bits is none.
+    if (position > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
         throw MP4ParseException();
     }
+    m_position = position;
 }
 
 std::uint64_t FileReader::GetPosition() {
-    const std::optional<std::uint64_t> position = Move(0, FILE_CURRENT);
-    if (!position.has_value()) {
-        throw MP4ParseException();
-    }
-    return *position;
+    RequireOpen();
+    return m_position;
 }
 
-std::optional<std::uint64_t> FileReader::Move(std::int64_t distance, std::uint32_t method) const {
-    LARGE_INTEGER by;
-    by.QuadPart = distance;
-    LARGE_INTEGER position;
-    if (SetFilePointerEx(m_file.get(), by, &position, method) == FALSE) {
-        return std::nullopt;
+void FileReader::RequireOpen() const {
+    if (m_file == nullptr) {
+        throw MP4ParseException();
     }
-    return static_cast<std::uint64_t>(position.QuadPart);
 }

@@ -6,10 +6,10 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "platform/win32/Handle.h"
+#include "platform/win32/ReadAhead.h"
 #include "zanthe/analysis/IStreamReader.h"
 
 // How a host that keeps its files in a file system transaction asks for them.
@@ -18,6 +18,9 @@ struct TransactionContext {
     bool openPlainly = false;     // whether a file may then be opened outside of one
 };
 
+// A file of nothing but small boxes costs few calls of the system, and a box that is passed over
+// costs none.
+//
 // Thread-safety: none; one reader serves one thread. Several may read one file at once.
 class FileReader final : public IStreamReader {
 public:
@@ -48,8 +51,10 @@ private:
 
     HANDLE OpenHandle(const std::wstring& path) const;
     void RequireFileType();
-    std::optional<std::uint64_t> Move(std::int64_t distance, std::uint32_t method) const;
+    void RequireOpen() const;
 
     std::unique_ptr<HANDLE, Closer> m_file; // null until Open
+    std::uint64_t m_position = 0;
+    win32::ReadAhead m_ahead;
     const TransactionContext* m_context;
 };

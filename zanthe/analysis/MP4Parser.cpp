@@ -55,6 +55,7 @@ void MP4Parser::tkhd() {
     track.matrix = ReadMatrix();
     track.width = ReadFixedInteger();
     track.height = ReadFixedInteger();
+    RequireRoomForTrack(m_tracks.size());
     m_tracks.push_back(track);
 }
 

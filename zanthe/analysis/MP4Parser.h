@@ -30,6 +30,9 @@ struct MP4TrackInfo {
     friend bool operator==(const MP4TrackInfo&, const MP4TrackInfo&) = default;
 };
 
+// Checks, from outside of the library, that the virtual operations keep their order.
+struct MP4OperationOrder;
+
 namespace DSMediaDetNS {
 
 // Thread-safety: none; one parser serves one thread, for one call.
@@ -58,6 +61,8 @@ protected:
     virtual void stsd(const MP4BoxHeader& header);
 
 private:
+    friend struct ::MP4OperationOrder;
+
     MP4TrackInfo& CurrentTrack();
     void ReadSampleEntries(const MP4BoxHeader& header, std::uint32_t count);
     void ReadAvc1(MP4TrackInfo& track, std::uint64_t entryStart, std::uint32_t entrySize);

@@ -6,6 +6,19 @@
 
 #include "zanthe/analysis/MP4ParseException.h"
 
+namespace {
+
+// As they stand in the file, whose first byte is the number's highest.
+std::string FourCharacters(std::uint32_t number) {
+    std::string characters(4, '\0');
+    for (int i = 0; i < 4; ++i) {
+        characters[static_cast<std::size_t>(i)] = static_cast<char>(number >> (24 - 8 * i));
+    }
+    return characters;
+}
+
+} // namespace
+
 MP4ParserBase::MP4ParserBase(std::unique_ptr<IStreamReader> reader)
     : m_reader(std::move(reader)) {}
 
@@ -15,6 +28,7 @@ void MP4ParserBase::Parse(const std::wstring& path) {
     m_headersRead = 0;
     m_reader->Open(path);
     m_fileSize = m_reader->GetSize();
+    m_headersAllowed = AllowedHeaders(m_fileSize);
     ParseChildren(m_fileSize);
 }
 
@@ -60,23 +74,32 @@ void MP4ParserBase::ParseChildren(std::uint64_t endOffset) {
 }
 
 MP4BoxHeader MP4ParserBase::ReadBoxHeader() {
-    if (++m_headersRead > m_fileSize) {
+    if (++m_headersRead > m_headersAllowed) {
         throw MP4ParseException();
     }
     MP4BoxHeader header;
     header.offset = m_reader->GetPosition();
-    header.size = ReadInteger<std::uint32_t>();
-    header.type = ReadFourCharacters();
+    header.headerSize = 8;
+    const auto sizeAndType = ReadInteger<std::uint64_t>();
+    header.size = sizeAndType >> 32;
+    header.type = FourCharacters(static_cast<std::uint32_t>(sizeAndType));
     if (header.size == 1) {
         header.size = ReadInteger<std::uint64_t>();
+        header.headerSize = 16;
     } else if (header.size == 0) {
         header.size = m_fileSize - header.offset;
     }
-    header.headerSize = m_reader->GetPosition() - header.offset;
     if (header.End() <= header.offset) {
         throw MP4ParseException();
     }
     return header;
+}
+
+std::uint64_t MP4ParserBase::AllowedHeaders(std::uint64_t fileSize) {
+    constexpr std::uint64_t always = 1000; // a small file may well go over some bytes twice
+    constexpr std::uint64_t many = 1'000'000;
+    constexpr std::uint64_t most = 4'000'000;
+    return std::max(std::clamp(fileSize / 8, always, many), std::min(fileSize / 64, most));
 }
 
 MP4BoxHeader MP4ParserBase::ParentBox() const {
@@ -91,13 +114,17 @@ std::vector<std::uint8_t> MP4ParserBase::ReadBytes(std::uint64_t count) {
 }
 
 std::int32_t MP4ParserBase::ReadFixedInteger() {
-    const std::vector<std::uint8_t> bytes = ReadBytes(4);
-    return bytes[0] << 8 | bytes[1];
+    return static_cast<std::int32_t>(ReadInteger<std::uint32_t>() >> 16);
 }
 
 std::string MP4ParserBase::ReadFourCharacters() {
-    const std::vector<std::uint8_t> bytes = ReadBytes(4);
-    return {bytes.begin(), bytes.end()};
+    return FourCharacters(ReadInteger<std::uint32_t>());
+}
+
+void MP4ParserBase::RequireRoomForTrack(std::size_t count) {
+    if (count >= MaxTracks) {
+        throw MP4ParseException();
+    }
 }
 
 MP4Matrix MP4ParserBase::ReadMatrix() {

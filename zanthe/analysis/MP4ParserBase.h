@@ -41,8 +41,8 @@ struct MP4BoxHeader {
 // with MP4ParseException like every other failure:
 //
 // - a box that ends where it begins, or before,
-// - more box headers read than the file has bytes, which only a walk that passes over the same
-//   bytes again and again comes to,
+// - more box headers read than AllowedHeaders says, which only a walk that passes over the same
+//   bytes again and again comes to, or a file of next to nothing but headers,
 // - more than MaxOpenBoxes boxes open at once.
 //
 // Subclasses are final and live on the stack of the function that uses them.
@@ -52,6 +52,14 @@ class MP4ParserBase {
 public:
     // Each open box costs stack. In a real file six at most are descended into.
     static constexpr std::int32_t MaxOpenBoxes = 1000;
+
+    // The most tracks that one file may have.
+    static constexpr std::size_t MaxTracks = 10'000;
+
+    // How many box headers may be read on one walk of a file of so many bytes. Its bytes make one
+    // for every 8. Beyond a million it is one for every 64, which is less than a recording has that
+    // keeps every picture in a fragment of its own, and never more than four million.
+    static std::uint64_t AllowedHeaders(std::uint64_t fileSize);
 
     explicit MP4ParserBase(std::unique_ptr<IStreamReader> reader);
     MP4ParserBase(const MP4ParserBase&) = delete;
@@ -109,6 +117,10 @@ protected:
     // Four characters.
     std::string ReadFourCharacters();
 
+    // Throws when `count` tracks have been found and another one would be too many. Each costs
+    // memory with whoever asks for them, while a hostile file has one for 8 bytes.
+    static void RequireRoomForTrack(std::size_t count);
+
     // The nine integers of a `tkhd` or `mvhd` transform, as MatrixFromFile takes them.
     MP4Matrix ReadMatrix();
 
@@ -120,8 +132,8 @@ protected:
 
     // Reads the payload of a `hdlr` box, the current one, and answers its handler type
     // ("vide", "soun", ...). The name at its end is passed over, with a length that counts the
-    // box's header as if it were not there: so 8 bytes behind the box must exist, and a `hdlr` that
-    // ends the file throws.
+    // box's header as if it were not there. So as many bytes must exist behind the box as its
+    // header has, 8, or 16 with a 64-bit size; a `hdlr` that ends the file throws.
     std::string ReadHandlerType();
 
     std::unique_ptr<IStreamReader> m_reader;
@@ -132,6 +144,7 @@ protected:
 private:
     void RequireRemaining(std::uint64_t count);
 
+    std::uint64_t m_headersAllowed = 0;
     std::uint64_t m_headersRead = 0;
 };
 

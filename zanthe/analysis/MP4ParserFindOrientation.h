@@ -7,6 +7,9 @@
 #include "zanthe/analysis/MP4ParserBase.h"
 #include "zanthe/analysis/MediaOrientation.h"
 
+// Checks, from outside of the library, that the virtual operations keep their order.
+struct MP4OperationOrder;
+
 // Thread-safety: none; one finder serves one thread, for one call.
 // NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): final, and never owned by its base
 class MP4ParserFindOrientation final : public MP4ParserBase {
@@ -27,6 +30,8 @@ protected:
     virtual void hdlr();
 
 private:
+    friend struct MP4OperationOrder;
+
     void SeekInPayload(std::uint64_t offset);
 
     MP4Matrix m_videoMatrix = IdentityMatrix;

@@ -16,6 +16,7 @@ void MP4ParserFindStreamTypes::OnBoxBegin(const MP4BoxHeader& header) {
 
 void MP4ParserFindStreamTypes::OnBoxEnd(const MP4BoxHeader& header) {
     if (header.type == "trak") {
+        RequireRoomForTrack(m_streamTypes.size());
         m_streamTypes.push_back({m_type, m_codec});
     }
 }
@@ -44,7 +45,7 @@ void MP4ParserFindStreamTypes::hdlr() {
 // A first guess, for tracks without a handler. Fields are taken where version 0 has them, also in
 // version 1: there the guess means nothing, and the handler has the last word in either.
 void MP4ParserFindStreamTypes::tkhd() {
-    Skip(4 * 4); // version and flags, creation and modification times, track_ID
+    Skip(16); // version and flags, creation and modification times, track_ID
     Skip(4);
     Skip(4); // duration
     Skip(8);

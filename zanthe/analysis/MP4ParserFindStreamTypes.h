@@ -8,6 +8,9 @@
 #include "zanthe/analysis/MP4ParserBase.h"
 #include "zanthe/analysis/MP4StreamTypes.h"
 
+// Checks, from outside of the library, that the virtual operations keep their order.
+struct MP4OperationOrder;
+
 // Thread-safety: none; one finder serves one thread, for one call.
 // NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): final, and never owned by its base
 class MP4ParserFindStreamTypes final : public MP4ParserBase {
@@ -29,6 +32,8 @@ protected:
     virtual void tkhd();
 
 private:
+    friend struct MP4OperationOrder;
+
     // Of the current track. Neither is reset for the next one.
     std::int32_t m_type = MP4TrackType::Other;
     std::string m_codec;

@@ -36,12 +36,20 @@ bool ReadOnEverySystem(const std::wstring& extension) {
 bool ShouldUseMediaFoundation(
     const std::wstring& path, MediaFoundationPurpose purpose,
     const boost::shared_ptr<Zanthe::IWindowsVersionProvider>& versionProvider) {
+    return ShouldUseMediaFoundation(path, purpose, versionProvider,
+                                    [&path] { return IsMovWithPngVideo(path); });
+}
+
+bool ShouldUseMediaFoundation(
+    const std::wstring& path, MediaFoundationPurpose purpose,
+    const boost::shared_ptr<Zanthe::IWindowsVersionProvider>& versionProvider,
+    const std::function<bool()>& isMovWithPngVideo) {
     if (IsRecording(path)) {
         return false;
     }
     const std::wstring extension = LowerExtension(path);
     if (purpose == MediaFoundationPurpose::Detection && extension == L"mov" &&
-        IsMovWithPngVideo(path)) {
+        isMovWithPngVideo()) {
         return true;
     }
     if (purpose == MediaFoundationPurpose::VideoSamples && extension == L"wmv") {

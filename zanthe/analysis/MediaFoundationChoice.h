@@ -1,6 +1,7 @@
 // Whether a file goes to a Media Foundation reader or to DirectShow.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include <boost/shared_ptr.hpp>
@@ -31,10 +32,17 @@ enum class MediaFoundationPurpose : int {
 //     anything else              no      no             no
 //
 // Below 6.2 mov and mp4 become no for VideoSamples and Detection, and mts and m2ts for everything.
-// The unevenness is meant: Windows Media pictures are never read through a sample reader, transport
-// streams never through a sample reader either, and m4a is safe with the older system too.
+// The unevenness is meant: Windows Media pictures are never read through a Media Foundation sample
+// reader, transport streams never through one either, and m4a is safe with the older system too.
 //
 // Thread-safety: safe from any thread.
 bool ShouldUseMediaFoundation(
     const std::wstring& path, MediaFoundationPurpose purpose,
     const boost::shared_ptr<Zanthe::IWindowsVersionProvider>& versionProvider);
+
+// The same for who knows already, or can tell at less cost, whether IsMovWithPngVideo(path). It is
+// asked at most once, and only for the Detection of a ".mov".
+bool ShouldUseMediaFoundation(
+    const std::wstring& path, MediaFoundationPurpose purpose,
+    const boost::shared_ptr<Zanthe::IWindowsVersionProvider>& versionProvider,
+    const std::function<bool()>& isMovWithPngVideo);

@@ -8,19 +8,23 @@
 #include "zanthe/analysis/MP4ParserFindOrientation.h"
 #include "zanthe/analysis/RecordingPath.h"
 
-MediaOrientation ReadMediaOrientation(const std::wstring& path) {
+std::optional<MediaOrientation> FindMediaOrientation(const std::wstring& path) {
     const RecordingPath parsed(path);
     const std::wstring extension = LowerCase(parsed.GetExtension());
     if (extension != L"mov" && extension != L"mp4") {
-        return {};
+        return std::nullopt;
     }
     try {
         MP4ParserFindOrientation parser(std::make_unique<FileReader>());
         parser.Parse(parsed.GetContainerPath());
         return parser.Orientation();
     } catch (const MP4ParseException&) {
-        return {};
+        return std::nullopt;
     }
+}
+
+MediaOrientation ReadMediaOrientation(const std::wstring& path) {
+    return FindMediaOrientation(path).value_or(MediaOrientation{});
 }
 
 // Exact comparisons: a turn is a turn only when the file says precisely that.

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "zanthe/analysis/MP4Matrix.h"
@@ -25,6 +26,9 @@ struct MediaOrientation {
 //
 // Thread-safety: safe from any thread, also on one file. Never throws but for memory.
 MediaOrientation ReadMediaOrientation(const std::wstring& path);
+
+// The same, and nothing where the default stands for an extension or a file that does not serve.
+std::optional<MediaOrientation> FindMediaOrientation(const std::wstring& path);
 
 // The clockwise turn that a picture needs to stand upright, in degrees: 90, 180 or 270 when the
 // matrix is exactly that turn (a mirrored quarter turn is none), else 0.

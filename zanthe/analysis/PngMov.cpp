@@ -21,12 +21,20 @@ bool IsPngVideo(const MP4StreamType& stream) {
     return stream.type == 0 && stream.codec == "png ";
 }
 
+bool HasPngVideo(const std::vector<MP4StreamType>& streams) {
+    return std::any_of(streams.begin(), streams.end(), IsPngVideo);
+}
+
+bool CanBePngMov(const std::wstring& path) {
+    return EqualIgnoringCase(RecordingPath(path).GetExtension(), L"mov") && Exists(path);
+}
+
 } // namespace
 
 bool IsMovWithPngVideo(const std::wstring& path) {
-    if (!EqualIgnoringCase(RecordingPath(path).GetExtension(), L"mov") || !Exists(path)) {
-        return false;
-    }
-    const std::vector<MP4StreamType> streams = ReadMP4StreamTypes(path);
-    return std::any_of(streams.begin(), streams.end(), IsPngVideo);
+    return CanBePngMov(path) && HasPngVideo(ReadMP4StreamTypes(path));
+}
+
+bool IsMovWithPngVideo(const std::wstring& path, const std::vector<MP4StreamType>& streams) {
+    return CanBePngMov(path) && HasPngVideo(streams);
 }

@@ -2,6 +2,9 @@
 #pragma once
 
 #include <string>
+#include <vector>
+
+#include "zanthe/analysis/MP4StreamTypes.h"
 
 // True when the path's extension (of the recording, where it names one's member) is "mov" in any
 // case, the file is there, and one of its tracks is of video with the codec "png ". Any other file
@@ -9,3 +12,6 @@
 //
 // Thread-safety: safe from any thread.
 bool IsMovWithPngVideo(const std::wstring& path);
+
+// The same, given the file's streams as ReadMP4StreamTypes(path) lists them.
+bool IsMovWithPngVideo(const std::wstring& path, const std::vector<MP4StreamType>& streams);

@@ -3,6 +3,7 @@
 #include <mutex>
 #include <utility>
 
+#include "platform/dshow/GraphConfig.h"
 #include "zanthe/analysis/Extension.h"
 
 namespace {
@@ -28,6 +29,23 @@ std::shared_ptr<IPreferredFilterHost> InstalledHost() {
     return installedHost;
 }
 
+struct Releaser {
+    void operator()(IUnknown* object) const { object->Release(); }
+};
+
+// Holds one reference.
+template <typename Interface>
+using Owned = std::unique_ptr<Interface, Releaser>;
+
+// Null where it has no such interface.
+Owned<IGraphConfig> ConfigOf(IUnknown* graphObject) {
+    void* found = nullptr;
+    if (graphObject == nullptr || graphObject->QueryInterface(IID_IGraphConfig, &found) < 0) {
+        return nullptr;
+    }
+    return Owned<IGraphConfig>(static_cast<IGraphConfig*>(found));
+}
+
 } // namespace
 
 std::vector<PreferredFilter> PreferredFiltersFor(const std::wstring& path) {
@@ -48,9 +66,19 @@ SetPreferredFilterHost(std::shared_ptr<IPreferredFilterHost> host) {
 }
 
 void AddPreferredFilters(const std::wstring& path, IUnknown* graphObject) {
-    const std::vector<PreferredFilter> filters = PreferredFiltersFor(path);
     const std::shared_ptr<IPreferredFilterHost> host = InstalledHost();
-    if (!filters.empty() && host != nullptr) {
-        host->AddFilters(filters, graphObject);
+    if (host == nullptr) {
+        return;
+    }
+    // All are made, also where there is no graph to take them.
+    std::vector<Owned<IBaseFilter>> filters;
+    for (const PreferredFilter& filter : PreferredFiltersFor(path)) {
+        filters.emplace_back(host->CreateFilter(filter));
+    }
+    const Owned<IGraphConfig> graph = ConfigOf(filters.empty() ? nullptr : graphObject);
+    for (const Owned<IBaseFilter>& filter : filters) {
+        if (graph != nullptr && filter != nullptr) {
+            graph->AddFilterToCache(filter.get());
+        }
     }
 }

@@ -1,7 +1,7 @@
 // The vendor filters that a graph is offered for a file before it looks for others.
 //
-// What they are is decided here; making filters and handing them to graphs is the graph layer's,
-// which stands behind IPreferredFilterHost.
+// What they are and where they go is decided here; only making filters is the graph layer's, which
+// stands behind IPreferredFilterHost.
 #pragma once
 
 #include <memory>
@@ -10,6 +10,7 @@
 
 #include "platform/com/Guid.h"
 
+struct IBaseFilter;
 struct IUnknown;
 
 struct PreferredFilter {
@@ -29,11 +30,9 @@ public:
     IPreferredFilterHost& operator=(const IPreferredFilterHost&) = delete;
     virtual ~IPreferredFilterHost() = default;
 
-    // Makes each filter in the order given. Then, where graphObject (borrowed, may be null) answers
-    // the interface {03A1EB8E-32BF-4245-8502-114D08A9CB88}, passes each to that interface's third
-    // own operation, in the same order. Reports nothing. May be called from several threads at
-    // once.
-    virtual void AddFilters(const std::vector<PreferredFilter>& filters, IUnknown* graphObject) = 0;
+    // A new filter, with one reference for the caller; null where it cannot be made. May be called
+    // from several threads at once.
+    virtual IBaseFilter* CreateFilter(const PreferredFilter& filter) = 0;
 };
 
 // Puts `host` behind AddPreferredFilters, for the whole process, and answers the one that stood
@@ -42,8 +41,10 @@ public:
 std::shared_ptr<IPreferredFilterHost>
 SetPreferredFilterHost(std::shared_ptr<IPreferredFilterHost> host);
 
-// Has the host add PreferredFiltersFor(path) to graphObject (borrowed, may be null). Does nothing
-// when those are none or when there is no host.
+// Has the host make all of PreferredFiltersFor(path), in their order. Then, where graphObject
+// (borrowed, may be null) has the interface IGraphConfig, each is added to its cache in the same
+// order; one that could not be made is left out. Reports nothing. Does nothing when those are none
+// or when there is no host.
 //
 // Thread-safety: this and the two above are safe from any thread.
 void AddPreferredFilters(const std::wstring& path, IUnknown* graphObject);

@@ -13,6 +13,8 @@
 
 namespace Zanthe {
 
+class IAudioBackends;
+
 // A factory serves one file and can be used many times.
 //
 // Hosts call through the order of these operations: it is settled, and new ones go to the end.
@@ -24,6 +26,11 @@ public:
     // The file at `path` (UTF-8); trackIndex counts the tracks of a ".brec" recording from 0, and
     // plays no part for other files. sampleRate is in Hz.
     AudioMediaReaderFactory(const std::string& path, int trackIndex, int sampleRate);
+
+    // The same over other backends, for tests: their class is not installed. REQUIRES: backends.
+    AudioMediaReaderFactory(const std::string& path, int trackIndex, int sampleRate,
+                            boost::shared_ptr<const IAudioBackends> backends);
+
     AudioMediaReaderFactory(const AudioMediaReaderFactory&) = delete;
     AudioMediaReaderFactory& operator=(const AudioMediaReaderFactory&) = delete;
     virtual ~AudioMediaReaderFactory();
@@ -54,6 +61,7 @@ private:
     std::string m_path;
     int m_trackIndex;
     int m_sampleRate; // Hz
+    boost::shared_ptr<const IAudioBackends> m_backends;
 };
 
 } // namespace Zanthe

@@ -34,10 +34,14 @@ void Separate(const unsigned char* interleaved, unsigned int frameCount, float* 
 } // namespace
 
 BRECLibAudioMediaReader::BRECLibAudioMediaReader(const std::string& path, int trackIndex)
+    : BRECLibAudioMediaReader(path, trackIndex, BREC::Reader::create) {}
+
+BRECLibAudioMediaReader::BRECLibAudioMediaReader(const std::string& path, int trackIndex,
+                                                 const Opener& open)
     : m_path(path)
     , m_trackIndex(trackIndex) {
     const auto format = BREC::AudioFormat::create16BitSignedInterleaved(SampleRate, ChannelCount);
-    m_reader = BREC::Reader::create(path, format, nullptr);
+    m_reader = open(path, format, nullptr);
     if (m_reader == nullptr) {
         return;
     }

@@ -30,8 +30,12 @@ std::optional<std::int64_t> TimeOfFrame(std::int64_t frame) {
 } // namespace
 
 DirectShowAudioMediaReader::DirectShowAudioMediaReader(const std::string& path)
-    : DirectShowAudioMediaReader(
-          path, CreateAudioChain(win32::Utf8ToWide(path), ExtraBuffers, MaxSteps)) {}
+    : DirectShowAudioMediaReader(path, MakeChain(path, CreateAudioChain)) {}
+
+boost::shared_ptr<IDSChain> DirectShowAudioMediaReader::MakeChain(const std::string& path,
+                                                                  const AudioChainMaker& make) {
+    return make(win32::Utf8ToWide(path), ExtraBuffers, MaxSteps);
+}
 
 DirectShowAudioMediaReader::DirectShowAudioMediaReader(const std::string& path,
                                                        boost::shared_ptr<IDSChain> chain)

@@ -6,6 +6,9 @@
 //     if (!reader) ... // the file's backend could not be made
 //     std::unique_ptr<VideoSample> sample(reader->readVideoSample(...)); // null: no frame there
 //
+// Failures come in three kinds, so a host that survives them all catches std::exception and
+// const char*.
+//
 // A host that shows one file in several places asks through VideoSampleReaderCache instead.
 #pragma once
 
@@ -28,7 +31,8 @@ public:
     // caller's, who ends it with delete; readers live on without it.
     static DecoderFactory* Create();
 
-    // deviceManager: the host's graphics device or null. The factory takes over one reference from
+    // deviceManager: the host's graphics device or null, an object behind the platform's public
+    // interface; this library installs no header for it. The factory takes over one reference from
     // the caller and gives it back when it is destroyed; when this throws, the reference is still
     // the caller's. useMediaFoundation: false keeps every file away from the H.264 reader.
     static DecoderFactory* Create(DecoderOutputFormat format, IMFDXGIDeviceManager* deviceManager,
@@ -45,13 +49,17 @@ public:
     // tells, and such a reader gives no samples. No other backend is then tried.
     //
     // The first that fits decides. E is the text behind the last "." of the whole path, compared
-    // with no regard to case; nothing of the first four fits a path without a dot.
+    // with no regard to case; nothing of the first four fits a path without a dot. docs/classify.md
+    // shows how to ask `zanthe classify` which it is for a file.
     //
-    //     E is brec, or ".brec!" stands anywhere         recording
     //     the member "Screen_Stream.avi" of a recording  screen recording of the older kind
+    //     E is brec                                      recording
     //     E is mov, with PNG images as its pictures      QuickTime recording
     //     E is gif                                       animated GIF
-    //     ShouldUseMediaFoundation and useMediaFoundation  H.264 reader
+    //     ".brec!" stands anywhere                       none: it throws
+    //     E is wma, mp3, wav or m4a, and from system
+    //     version 6.2 on mov or mp4, unless
+    //     useMediaFoundation is false                    H.264 reader
     //     anything else                                  DirectShow
     //
     // streamIndex: the number of the stream among the file's own, where a backend looks at it.
@@ -60,7 +68,7 @@ public:
     //
     // Throws std::runtime_error:
     //   "DecoderFactory::CreateVideoDecoder: Couldn't find a decoder to match extension = " and E
-    //        a member of a ".brec" recording, which has no decoder of its own
+    //        any other path with ".brec!" in it: a member of a recording has no decoder of its own
     //   "Can't create WICAnimatedGIFReader"
     // boost::bad_rational for a file of the H.264 reader; see WinH264SampleReader::create.
     // TextException:

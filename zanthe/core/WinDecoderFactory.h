@@ -31,6 +31,11 @@ public:
     VideoSampleReader* CreateVideoSampleReader(const std::string& path, int streamIndex,
                                                bool deferInitialization) override;
 
+    // As the factory was made.
+    DecoderOutputFormat OutputFormat() const { return m_outputFormat; }
+
+    bool UsesMediaFoundation() const { return m_useMediaFoundation; }
+
     // Whether a VideoDecoder is tried for the file. It can be true where CreateVideoDecoder throws:
     // for the members of a ".brec" recording.
     bool IsHandledByVideoDecoder(const std::string& path, int streamIndex) const;

@@ -1,6 +1,7 @@
 // Makes chains of sound.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include <boost/shared_ptr.hpp>
@@ -11,3 +12,7 @@
 // it must and whose searches take at most maxSteps steps. Empty when none can be made.
 boost::shared_ptr<IDSChain> CreateAudioChain(const std::wstring& path, int extraBuffers,
                                              int maxSteps);
+
+// The same, by whatever maker.
+using AudioChainMaker =
+    std::function<boost::shared_ptr<IDSChain>(const std::wstring&, int extraBuffers, int maxSteps)>;

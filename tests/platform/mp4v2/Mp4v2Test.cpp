@@ -103,6 +103,31 @@ TEST(Mp4v2, SamplesThatAreNotThere) {
     EXPECT_EQ(MP4GetTrackDuration(nullptr, 1), MP4_INVALID_DURATION);
 }
 
+// A track is what its handler says, whatever its coding is.
+TEST(Mp4v2, ATypeIsThatOfTheHandler) {
+    const TemporaryFolder folder;
+    std::string bytes = ReadWholeFile(MadeMedia("audio-select/aac.mp4"));
+    bytes.replace(bytes.find("soun"), 4, "abcd");
+    const File file(MP4Read(folder.Write("a.mp4", bytes).c_str()));
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(MP4FindTrackId(file.get(), 0, MP4_AUDIO_TRACK_TYPE, 0), MP4_INVALID_TRACK_ID);
+    EXPECT_EQ(MP4FindTrackId(file.get(), 0, "abcd", 0), 1U);
+    EXPECT_EQ(MP4FindTrackId(file.get(), 0, nullptr, 0), 1U);
+    EXPECT_TRUE(MP4HaveTrackAtom(file.get(), 1, Mp4a));
+}
+
+TEST(Mp4v2, AFileOfNothingButSmallBoxesHasNoHandle) {
+    const TemporaryFolder folder;
+    std::string bytes = ReadWholeFile(MadeMedia("audio-select/aac.mp4"));
+    const std::string box("\0\0\0\x08"
+                          "free",
+                          8);
+    for (int i = 0; i < 200'000; ++i) {
+        bytes += box;
+    }
+    EXPECT_EQ(MP4Read(folder.Write("a.mp4", bytes).c_str()), MP4_INVALID_FILE_HANDLE);
+}
+
 TEST(Mp4v2, WhatIsNoMp4HasNoHandle) {
     const TemporaryFolder folder;
     EXPECT_EQ(MP4Read((folder / "none.mp4").c_str()), MP4_INVALID_FILE_HANDLE);

@@ -300,4 +300,28 @@ TEST(DetectMediaSubtype, RealSignaturesUnderAnotherName) {
     }
 }
 
+// A file that fits each entry up to its last check costs the most.
+TEST(FileSignature, AtMostElevenReadsDecide) {
+    std::vector<const FileSignatureCheck*> lastChecks;
+    for (const FileSignatureEntry& entry : FileSignatureTable) {
+        lastChecks.push_back(&entry.checks.back());
+    }
+    std::vector<const FileSignatureCheck*> order;
+    for (const FileSignatureEntry& entry : FileSignatureTable) {
+        for (const FileSignatureCheck& check : entry.checks) {
+            order.push_back(&check);
+        }
+    }
+    std::size_t reads = 0;
+    const auto read = [&](std::int64_t offset, std::uint32_t length, std::uint8_t* bytes) {
+        const FileSignatureCheck& check = *order.at(reads++);
+        EXPECT_EQ(offset, check.offset);
+        EXPECT_EQ(length, check.length);
+        std::copy(check.value.begin(), check.value.end(), bytes);
+        return std::find(lastChecks.begin(), lastChecks.end(), &check) == lastChecks.end();
+    };
+    EXPECT_EQ(FindSignature(read, FileSignatureTable), nullptr);
+    EXPECT_EQ(reads, 11U);
+}
+
 } // namespace

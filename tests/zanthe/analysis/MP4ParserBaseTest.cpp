@@ -1,10 +1,12 @@
 #include "zanthe/analysis/MP4ParserBase.h"
 
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -68,6 +70,10 @@ protected:
         calls.push_back(GetIndent() + "leaf " + header.type);
     }
 };
+
+static_assert(std::is_base_of_v<std::exception, MP4ParseException>);
+static_assert(sizeof(MP4ParseException) == sizeof(std::exception), "it carries nothing");
+static_assert(std::is_nothrow_copy_constructible_v<MP4ParseException>, "it is thrown by value");
 
 Recorder Over(std::string bytes, MemoryStreamReader::Work* work = nullptr) {
     return Recorder(std::make_unique<MemoryStreamReader>(std::move(bytes), work));
@@ -249,6 +255,26 @@ std::string Nested(int depth) {
         bytes += Header("moov", static_cast<std::uint64_t>(level) * 8);
     }
     return bytes;
+}
+
+TEST(MP4Walk, HowManyHeadersAFileMayHave) {
+    EXPECT_EQ(Recorder::AllowedHeaders(0), 1000u);
+    EXPECT_EQ(Recorder::AllowedHeaders(8000), 1000u);
+    EXPECT_EQ(Recorder::AllowedHeaders(8 * 50'000), 50'000u);
+    EXPECT_EQ(Recorder::AllowedHeaders(std::uint64_t{64} << 20), std::uint64_t{1} << 20);
+    EXPECT_EQ(Recorder::AllowedHeaders(std::uint64_t{128} << 20), std::uint64_t{2} << 20);
+    EXPECT_EQ(Recorder::AllowedHeaders(std::uint64_t{1} << 50), 4'000'000u);
+}
+
+// All of them fit into the file, and yet nobody wants to wait for the end.
+TEST(MP4Walk, AFileOfNothingButHeadersHasAnEnd) {
+    std::string bytes;
+    const std::string box = Box("free", "");
+    for (int i = 0; i < 1'000'001; ++i) {
+        bytes += box;
+    }
+    EXPECT_FALSE(Fails(bytes.substr(8)));
+    EXPECT_TRUE(Fails(bytes));
 }
 
 TEST(MP4Walk, NestingHasAnEnd) {

@@ -154,7 +154,8 @@ TEST(MP4Parser, WithoutATrackHeaderADescriptionMakesARecord) {
 }
 
 TEST(MP4Parser, ATextTrackKeepsTypeAndCodec) {
-    const std::string text = SampleDescriptionBox(1, Box("text", boxes::Zeros(40)));
+    // A track header in its place would be taken for a track, were the entry not passed over.
+    const std::string text = SampleDescriptionBox(1, Box("text", VideoHeader()));
     const std::vector<MP4TrackInfo> tracks = TracksIn(Movie(Track(VideoHeader(), "text", text)));
     ASSERT_EQ(tracks.size(), 1u);
     EXPECT_EQ(tracks[0].type, 2);
@@ -274,6 +275,35 @@ TEST(MP4Parser, TrackHeadersAndDescriptionsHaveNoChildren) {
     const std::string entry = VisualEntry("hvc1", 64, 48, TrackHeaderBox({}));
     EXPECT_EQ(TracksIn(Movie(Track(VideoHeader(), "vide", SampleDescriptionBox(1, entry)))).size(),
               1u);
+}
+
+TEST(MP4Parser, TheVendorsContainerIsNoneHere) {
+    EXPECT_TRUE(TracksIn(Movie(Box("BSCM", VideoHeader()))).empty());
+}
+
+// The name is read with a length that counts the header as if it were not there.
+TEST(MP4Parser, AHandlerReadsAsFarBehindItselfAsItsHeaderIsLong) {
+    const std::string payload = boxes::HandlerBox("soun").substr(8);
+    const auto fileWith = [](const std::string& handler, const std::string& behind) {
+        return boxes::FileType() + Box("moov", Box("trak", Box("mdia", handler))) + behind;
+    };
+    const std::string eight = Box("free", "");
+    EXPECT_EQ(TracksIn(fileWith(Box("hdlr", payload), eight)).at(0).type, 1);
+    EXPECT_TRUE(Fails(fileWith(Box("hdlr", payload), "")));
+    EXPECT_EQ(TracksIn(fileWith(boxes::WideBox("hdlr", payload), eight + eight)).at(0).type, 1);
+    EXPECT_TRUE(Fails(fileWith(boxes::WideBox("hdlr", payload), eight)));
+}
+
+TEST(MP4Parser, TracksHaveAnEnd) {
+    const auto fileWith = [](std::size_t count) {
+        std::string headers;
+        for (std::size_t i = 0; i < count; ++i) {
+            headers += TrackHeaderBox({});
+        }
+        return Movie(headers);
+    };
+    EXPECT_EQ(TracksIn(fileWith(MP4Parser::MaxTracks)).size(), MP4Parser::MaxTracks);
+    EXPECT_TRUE(Fails(fileWith(MP4Parser::MaxTracks + 1)));
 }
 
 // Behind the fields of an overlong track header the walk goes on, as in any container.

@@ -61,6 +61,24 @@ TEST(MP4StreamTypes, TheHandlerSaysWhatATrackIs) {
     EXPECT_THAT(Of(file), ElementsAre(Pair(1, "mp4a"), Pair(0, "avc1"), Pair(2, "tx3g")));
 }
 
+TEST(MP4StreamTypes, TheVendorsContainerIsNoneHere) {
+    const std::string track = Track(Header(0, 0, 0), "soun", Entry("mp4a"));
+    EXPECT_THAT(Of(Movie(Box("BSCM", track))), IsEmpty());
+    EXPECT_THAT(Of(Movie(Box("moov", track))), ElementsAre(Pair(1, "mp4a")));
+}
+
+TEST(MP4StreamTypes, TracksHaveAnEnd) {
+    const auto fileWith = [](std::size_t count) {
+        std::string tracks;
+        for (std::size_t i = 0; i < count; ++i) {
+            tracks += Box("trak", "");
+        }
+        return Movie(tracks);
+    };
+    EXPECT_EQ(Of(fileWith(10'000)).size(), 10'000u);
+    EXPECT_THAT(Of(fileWith(10'001)), IsEmpty());
+}
+
 TEST(MP4StreamTypes, WithoutAHandlerTheTrackHeaderDoes) {
     const std::string file = Movie(WithoutHandler(Header(64, 48, 0x100), "a   ") +
                                    WithoutHandler(Header(64, 0, 0x100), "b   ") +

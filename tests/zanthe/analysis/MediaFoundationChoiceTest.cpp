@@ -12,6 +12,11 @@
 
 namespace {
 
+// Hosts hand these in as numbers.
+static_assert(static_cast<int>(MediaFoundationPurpose::Audio) == 0);
+static_assert(static_cast<int>(MediaFoundationPurpose::VideoSamples) == 1);
+static_assert(static_cast<int>(MediaFoundationPurpose::Detection) == 2);
+
 // The answers for one path: Audio, VideoSamples and Detection, each without a version provider, for
 // an older and for a newer system.
 std::string Answers(const std::wstring& path) {

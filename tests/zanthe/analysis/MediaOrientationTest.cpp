@@ -62,6 +62,25 @@ TEST(MediaOrientation, QuarterTurns) {
     EXPECT_EQ(RotationFromOrientation(Of(Movie(VideoTrack(boxes::Upright)))), 0);
 }
 
+// The finder of orientations goes no deeper than the handler.
+TEST(MediaOrientation, DeeperContainersAreNotLookedInto) {
+    TrackHeader real;
+    real.width = 640 << 16;
+    real.height = 480 << 16;
+    TrackHeader other;
+    other.width = 10 << 16;
+    other.height = 20 << 16;
+    for (const char* container : {"minf", "stbl", "BSCM"}) {
+        const std::string inner = boxes::Box(container, TrackHeaderBox(other));
+        const std::string media = boxes::Box("mdia", inner + boxes::HandlerBox("vide"));
+        const MediaOrientation found = Of(Movie(boxes::Box("trak", TrackHeaderBox(real) + media)));
+        EXPECT_EQ(found.width, 640) << container;
+        EXPECT_EQ(found.height, 480) << container;
+    }
+    const std::string media = boxes::Box("mdia", TrackHeaderBox(other) + boxes::HandlerBox("vide"));
+    EXPECT_EQ(Of(Movie(boxes::Box("trak", TrackHeaderBox(real) + media))).width, 10);
+}
+
 TEST(MediaOrientation, RotationIsExactAndInOrder) {
     const auto rotation = [](const MP4Matrix& matrix) {
         return RotationFromOrientation({matrix, 0, 0});

@@ -8,6 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/dshow/GraphConfig.h"
+
 namespace {
 
 using testing::ElementsAre;
@@ -36,14 +38,73 @@ std::vector<Named> Names(const std::vector<PreferredFilter>& filters) {
     return names;
 }
 
+// Counts its references; the tests own it.
+class MadeFilter final : public IBaseFilter {
+public:
+    int references = 0;
+
+    // IUnknown
+    HRESULT QueryInterface(REFIID, void**) override { return -1; }
+
+    ULONG AddRef() override { return static_cast<ULONG>(++references); }
+
+    ULONG Release() override { return static_cast<ULONG>(--references); }
+};
+
 class RecordingHost : public IPreferredFilterHost {
 public:
     // IPreferredFilterHost
-    void AddFilters(const std::vector<PreferredFilter>& filters, IUnknown* graphObject) override {
-        calls.emplace_back(Names(filters), graphObject);
+    IBaseFilter* CreateFilter(const PreferredFilter& filter) override {
+        made.emplace_back(filter.library, filter.classId);
+        if (filter.classId == cannotMake) {
+            return nullptr;
+        }
+        filters.push_back(std::make_unique<MadeFilter>());
+        filters.back()->AddRef();
+        return filters.back().get();
     }
 
-    std::vector<std::pair<std::vector<Named>, IUnknown*>> calls;
+    std::vector<Named> made;
+    std::vector<std::unique_ptr<MadeFilter>> filters;
+    GUID cannotMake{};
+};
+
+// A graph, with or without the interface that takes filters.
+class Graph final : public IGraphConfig {
+public:
+    explicit Graph(bool takesFilters = true)
+        : m_takesFilters(takesFilters) {}
+
+    std::vector<IBaseFilter*> taken;
+    std::vector<IID> asked;
+    int references = 0;
+
+    // IUnknown
+    HRESULT QueryInterface(REFIID iid, void** object) override {
+        asked.push_back(iid);
+        *object = m_takesFilters ? static_cast<IGraphConfig*>(this) : nullptr;
+        references += m_takesFilters ? 1 : 0;
+        return m_takesFilters ? 0 : -1;
+    }
+
+    ULONG AddRef() override { return static_cast<ULONG>(++references); }
+
+    ULONG Release() override { return static_cast<ULONG>(--references); }
+
+    // IGraphConfig
+    HRESULT Reconnect(IPin*, IPin*, const AM_MEDIA_TYPE*, IBaseFilter*, HANDLE, DWORD) override {
+        return -1;
+    }
+
+    HRESULT Reconfigure(IGraphConfigCallback*, void*, DWORD, HANDLE) override { return -1; }
+
+    HRESULT AddFilterToCache(IBaseFilter* filter) override {
+        taken.push_back(filter);
+        return -1; // which nobody asks
+    }
+
+private:
+    bool m_takesFilters;
 };
 
 class InstalledHost {
@@ -75,34 +136,63 @@ TEST(PreferredFilters, ByExtension) {
     }
 }
 
-TEST(PreferredFilters, TheHostAddsThemToTheGraph) {
+TEST(PreferredFilters, AGraphTakesThemInTheOrderInWhichTheyWereMade) {
     const InstalledHost installed;
-    auto* graph = reinterpret_cast<IUnknown*>(this);
-    AddPreferredFilters(L"a.mts", graph);
-    ASSERT_EQ(installed.host->calls.size(), 1U);
-    EXPECT_THAT(installed.host->calls[0].first, ElementsAre(Mp2Demultiplexer, AvcDecoder));
-    EXPECT_EQ(installed.host->calls[0].second, graph);
+    Graph graph;
+    AddPreferredFilters(L"a.mp4", &graph);
+    EXPECT_THAT(installed.host->made, ElementsAre(Mp4Demultiplexer, AacDecoder, AvcDecoder));
+    const auto& filters = installed.host->filters;
+    EXPECT_THAT(graph.taken, ElementsAre(filters[0].get(), filters[1].get(), filters[2].get()));
+    EXPECT_THAT(graph.asked,
+                ElementsAre(GUID{
+                    0x03A1EB8E, 0x32BF, 0x4245, {0x85, 0x02, 0x11, 0x4D, 0x08, 0xA9, 0xCB, 0x88}}));
+    EXPECT_EQ(graph.references, 0);
+    for (const auto& filter : filters) {
+        EXPECT_EQ(filter->references, 0);
+    }
 }
 
 TEST(PreferredFilters, FiltersAreMadeWithoutAGraphToo) {
     const InstalledHost installed;
-    AddPreferredFilters(L"a.brec", nullptr);
-    ASSERT_EQ(installed.host->calls.size(), 1U);
-    EXPECT_EQ(installed.host->calls[0].second, nullptr);
+    AddPreferredFilters(L"a.mts", nullptr);
+    EXPECT_THAT(installed.host->made, ElementsAre(Mp2Demultiplexer, AvcDecoder));
+    EXPECT_EQ(installed.host->filters[0]->references, 0);
 }
 
-TEST(PreferredFilters, OtherExtensionsDoNotReachTheHost) {
+TEST(PreferredFilters, AGraphWithoutTheInterfaceTakesNone) {
     const InstalledHost installed;
-    AddPreferredFilters(L"a.wmv", nullptr);
-    EXPECT_THAT(installed.host->calls, IsEmpty());
+    Graph graph(false);
+    AddPreferredFilters(L"a.brec", &graph);
+    EXPECT_EQ(installed.host->made.size(), 3U);
+    EXPECT_THAT(graph.taken, IsEmpty());
+    EXPECT_EQ(graph.references, 0);
+}
+
+TEST(PreferredFilters, AFilterThatCannotBeMadeIsLeftOut) {
+    const InstalledHost installed;
+    installed.host->cannotMake = AacDecoder.second;
+    Graph graph;
+    AddPreferredFilters(L"a.mp4", &graph);
+    EXPECT_EQ(installed.host->made.size(), 3U);
+    EXPECT_EQ(graph.taken.size(), 2U);
+}
+
+TEST(PreferredFilters, OtherExtensionsMakeNone) {
+    const InstalledHost installed;
+    Graph graph;
+    AddPreferredFilters(L"a.wmv", &graph);
+    EXPECT_THAT(installed.host->made, IsEmpty());
+    EXPECT_THAT(graph.asked, IsEmpty());
 }
 
 TEST(PreferredFilters, WithoutAHostNothingHappens) {
     const auto host = std::make_shared<RecordingHost>();
     const auto before = SetPreferredFilterHost(host);
     EXPECT_EQ(SetPreferredFilterHost(nullptr), host);
-    AddPreferredFilters(L"a.mp4", nullptr);
-    EXPECT_THAT(host->calls, IsEmpty());
+    Graph graph;
+    AddPreferredFilters(L"a.mp4", &graph);
+    EXPECT_THAT(host->made, IsEmpty());
+    EXPECT_THAT(graph.asked, IsEmpty());
     SetPreferredFilterHost(before);
 }
 

@@ -4,6 +4,7 @@
 
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
+#include "tests/zanthe/analysis/Mp4Boxes.h"
 #include "zanthe/audio/AudioMediaReaderFactory.h"
 
 namespace Zanthe {
@@ -52,6 +53,42 @@ TEST_F(AacInMp4, AnotherCodingIsNone) {
 TEST_F(AacInMp4, TheFirstTrackOfSoundDecides) {
     EXPECT_FALSE(HasAac(Made("ac3-then-aac.mp4")));
     EXPECT_TRUE(HasAac(Made("aac-then-ac3.mp4")));
+}
+
+TEST_F(AacInMp4, OnlyAHandlerOfSoundMakesATrackOfSound) {
+    std::string bytes = ReadWholeFile(Made("aac.mp4"));
+    bytes.replace(bytes.find("soun"), 4, "abcd");
+    EXPECT_FALSE(HasAac(m_folder.Write("a.mp4", bytes)));
+}
+
+// A whole file with an index only, which is all that is looked at.
+std::string SoundFile(const std::string& entries, std::uint32_t count) {
+    boxes::TrackHeader header;
+    header.volume = 0x100;
+    const std::string description = boxes::SampleDescriptionBox(count, entries);
+    const std::string table = boxes::Box("stbl", description + boxes::Box("stts", boxes::Zeros(8)) +
+                                                     boxes::Box("stsc", boxes::Zeros(8)) +
+                                                     boxes::Box("stsz", boxes::Zeros(12)) +
+                                                     boxes::Box("stco", boxes::Zeros(8)));
+    const std::string media =
+        boxes::Box("mdhd", boxes::Zeros(12) + boxes::U32(44100) + boxes::Zeros(8)) +
+        boxes::HandlerBox("soun") + boxes::Box("minf", table);
+    return boxes::Movie(
+        boxes::MovieHeaderBox(0, boxes::Upright) +
+        boxes::Box("trak", boxes::TrackHeaderBox(header) + boxes::Box("mdia", media)));
+}
+
+std::string SoundEntry(const char* format) {
+    return boxes::Box(format, boxes::Zeros(6) + boxes::U16(1) + boxes::Zeros(8) + boxes::U16(2) +
+                                  boxes::U16(16) + boxes::Zeros(4) + boxes::U32(44100 << 16));
+}
+
+TEST_F(AacInMp4, AnySampleDescriptionOfTheTrackCounts) {
+    const std::string ac3 = SoundEntry("ac-3");
+    const std::string mp4a = SoundEntry("mp4a");
+    EXPECT_TRUE(HasAac(m_folder.Write("a.mp4", SoundFile(mp4a, 1))));
+    EXPECT_TRUE(HasAac(m_folder.Write("b.mp4", SoundFile(ac3 + mp4a, 2))));
+    EXPECT_FALSE(HasAac(m_folder.Write("c.mp4", SoundFile(ac3 + ac3, 2))));
 }
 
 TEST_F(AacInMp4, WithoutSoundThereIsNone) {

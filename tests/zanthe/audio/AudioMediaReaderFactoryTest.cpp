@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/win32/Version.h"
@@ -10,6 +12,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
 #include "zanthe/audio/BRECLibAudioMediaReader.h"
+#include "zanthe/audio/IAudioBackends.h"
 #include "zanthe/audio/ffmpeg/FFMPEGAudioReader.h"
 #include "zanthe/core/TextException.h"
 
@@ -67,6 +70,47 @@ TEST(AudioMediaReaderFactory, AnMp3ThatCannotBeOpenedThrowsItsReadersText) {
     } catch (const std::runtime_error& error) {
         EXPECT_STREQ(error.what(), "PacketReader() - m_formatContext->openInput failed");
     }
+}
+
+class SilentReader : public IAudioReader {
+public:
+    // IAudioReader
+    unsigned int FillAudioBuffer(std::int64_t, unsigned int, std::vector<float*>&) override {
+        return 0;
+    }
+};
+
+class MockBackends : public IAudioBackends {
+public:
+    MOCK_METHOD(boost::shared_ptr<IAudioReader>, CreateFfmpeg, (const std::string&, int, int),
+                (const, override));
+    MOCK_METHOD(boost::shared_ptr<IAudioReader>, CreateRecording, (const std::string&, int),
+                (const, override));
+    MOCK_METHOD(boost::shared_ptr<IAudioReader>, CreateMediaFoundation,
+                (const std::string&, bool, int), (const, override));
+    MOCK_METHOD(boost::shared_ptr<IAudioReader>, CreateDirectShow, (const std::string&),
+                (const, override));
+};
+
+TEST(AudioMediaReaderFactory, HandsOnWhatItWasMadeWith) {
+    const auto backends = boost::make_shared<testing::StrictMock<MockBackends>>();
+    const boost::shared_ptr<IAudioReader> reader = boost::make_shared<SilentReader>();
+    const auto create = [&](const std::string& path, bool recontainer) {
+        return AudioMediaReaderFactory(path, 7, 22050, backends)
+            .Create_AudioMediaReader(recontainer);
+    };
+    EXPECT_CALL(*backends, CreateFfmpeg("a.mp3", -1, 22050)).WillOnce(testing::Return(reader));
+    EXPECT_CALL(*backends, CreateRecording("a.brec", 7)).WillOnce(testing::Return(reader));
+    EXPECT_CALL(*backends, CreateMediaFoundation("a.mp4", true, 22050))
+        .WillOnce(testing::Return(reader));
+    EXPECT_CALL(*backends, CreateMediaFoundation("a.wav", false, 22050))
+        .WillOnce(testing::Return(reader));
+    EXPECT_CALL(*backends, CreateDirectShow("a.avi")).WillOnce(testing::Return(reader));
+    EXPECT_EQ(create("a.mp3", true), reader);
+    EXPECT_EQ(create("a.brec", true), reader);
+    EXPECT_EQ(create("a.mp4", true), reader);
+    EXPECT_EQ(create("a.wav", false), reader);
+    EXPECT_EQ(create("a.avi", false), reader);
 }
 
 TEST(AudioMediaReaderFactory, RecordingsInAnyCase) {

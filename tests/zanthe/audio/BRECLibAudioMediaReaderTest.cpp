@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/brec/MP4TrackReader.h"
+#include "platform/brec/Reader.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
 
@@ -158,6 +158,32 @@ unsigned int FramesOf(IAudioReader& reader) {
     std::vector<float> left(16), right(16);
     std::vector<float*> channels{left.data(), right.data()};
     return reader.FillAudioBuffer(0, 16, channels);
+}
+
+TEST(BRECLibAudioMediaReader, TheTrackAtTheIndexComesAtStereoAndCdRate) {
+    const auto track = [](std::uint64_t length) {
+        auto made = boost::make_shared<ScriptedTrack>();
+        made->length = length;
+        return made;
+    };
+    int opened = 0;
+    const auto open = [&](const std::string& path, const BREC::AudioFormat& format,
+                          BREC::AACDecoderFactory* aacDecoders) {
+        ++opened;
+        EXPECT_EQ(path, "a.brec");
+        EXPECT_EQ(format.sampleRate(), 44100);
+        EXPECT_EQ(format.channelCount(), 2);
+        EXPECT_EQ(aacDecoders, nullptr);
+        return boost::make_shared<BREC::Reader>(
+            std::vector<boost::shared_ptr<BREC::MP4TrackReader>>{track(1), track(2), track(3)});
+    };
+    for (const int index : {0, 1, 2}) {
+        BRECLibAudioMediaReader reader("a.brec", index, open);
+        EXPECT_EQ(FramesOf(reader), static_cast<unsigned int>(index + 1));
+    }
+    BRECLibAudioMediaReader none("a.brec", 3, open);
+    EXPECT_EQ(FramesOf(none), 0U);
+    EXPECT_EQ(opened, 4);
 }
 
 TEST(BRECLibAudioMediaReader, ARecordingThatCannotBeOpenedGivesNothing) {

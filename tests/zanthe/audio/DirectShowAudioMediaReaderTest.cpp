@@ -89,6 +89,13 @@ TEST_F(ChainReads, AFrameWithoutATimeGivesNothing) {
     EXPECT_EQ(Read(std::numeric_limits<std::int64_t>::min(), 1), 0U);
 }
 
+TEST(DirectShowAudioMediaReader, AChainKeepsNoSamplesAndTakesTenSteps) {
+    const boost::shared_ptr<IDSChain> chain = boost::make_shared<StrictMock<MockChain>>();
+    testing::MockFunction<boost::shared_ptr<IDSChain>(const std::wstring&, int, int)> maker;
+    EXPECT_CALL(maker, Call(std::wstring(L"\u00e9.avi"), 0, 10)).WillOnce(Return(chain));
+    EXPECT_EQ(DirectShowAudioMediaReader::MakeChain("\u00e9.avi", maker.AsStdFunction()), chain);
+}
+
 TEST(DirectShowAudioMediaReader, WithoutAChainItThrowsAPlainException) {
     try {
         DirectShowAudioMediaReader reader("a.avi", nullptr);

@@ -8,6 +8,7 @@
 
 #include "tests/support/TemporaryFolder.h"
 #include "zanthe/core/TextException.h"
+#include "zanthe/core/WinDecoderFactory.h"
 
 namespace Zanthe {
 namespace {
@@ -26,6 +27,27 @@ std::string GraphFailureOf(const std::string& path, bool useMediaFoundation = tr
         return text;
     }
     return "nothing thrown";
+}
+
+static_assert(static_cast<int>(DecoderOutputFormat::DeviceArgb32) == 0);
+static_assert(static_cast<int>(DecoderOutputFormat::MemoryArgb32) == 1);
+static_assert(static_cast<int>(DecoderOutputFormat::MemoryNv12) == 2);
+static_assert(sizeof(DecoderOutputFormat) == 4);
+
+TEST(DecoderFactory, MakesTheFactoryOfThisPlatform) {
+    const std::unique_ptr<DecoderFactory> plain(DecoderFactory::Create());
+    const auto* made = dynamic_cast<const WinDecoderFactory*>(plain.get());
+    ASSERT_NE(made, nullptr);
+    EXPECT_EQ(made->OutputFormat(), DecoderOutputFormat::DeviceArgb32);
+    EXPECT_TRUE(made->UsesMediaFoundation());
+    for (const int format : {0, 1, 2}) {
+        const std::unique_ptr<DecoderFactory> given(
+            DecoderFactory::Create(static_cast<DecoderOutputFormat>(format), nullptr, format == 1));
+        made = dynamic_cast<const WinDecoderFactory*>(given.get());
+        ASSERT_NE(made, nullptr);
+        EXPECT_EQ(static_cast<int>(made->OutputFormat()), format);
+        EXPECT_EQ(made->UsesMediaFoundation(), format == 1);
+    }
 }
 
 constexpr const char* NoGraph = "Could not get the MediaControl interface from the FilterGraph";

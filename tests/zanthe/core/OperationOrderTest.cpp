@@ -1,12 +1,12 @@
 // Hosts are built apart from the library and call through the order of the virtual operations, so
 // an operation that moves breaks them without any other sign.
-#include <cstddef>
-#include <cstring>
 #include <type_traits>
 
 #include <gtest/gtest.h>
 
+#include "platform/brec/MP4TrackReader.h"
 #include "platform/mf/DXGIDeviceManager.h"
+#include "tests/support/SlotOf.h"
 #include "zanthe/audio/AudioMediaReaderFactory.h"
 #include "zanthe/audio/IAudioReader.h"
 #include "zanthe/core/DecoderFactory.h"
@@ -21,16 +21,6 @@
 namespace {
 
 using namespace Zanthe;
-
-// A pointer to a virtual member function holds 1 + the offset of its slot in the table of the
-// class, here in the ABI of this system. The destructor takes the first two slots.
-template <typename Member>
-std::ptrdiff_t SlotOf(Member member) {
-    static_assert(std::is_member_function_pointer_v<Member>);
-    std::ptrdiff_t word = 0;
-    std::memcpy(&word, &member, sizeof(word));
-    return (word - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
-}
 
 TEST(OperationOrder, VideoSample) {
     EXPECT_EQ(SlotOf(&VideoSample::decrementRefCount), 2);
@@ -69,6 +59,13 @@ TEST(OperationOrder, IAudioReader) {
 TEST(OperationOrder, Factories) {
     EXPECT_EQ(SlotOf(&DecoderFactory::CreateVideoSampleReader), 2);
     EXPECT_EQ(SlotOf(&AudioMediaReaderFactory::Create_AudioMediaReader), 2);
+}
+
+// Of the closed class only a place is known: its length is the sixth of the table, where the
+// destructor counts as one.
+TEST(OperationOrder, MP4TrackReader) {
+    constexpr std::ptrdiff_t sixth = 6; // from 0, with the destructor's two slots
+    EXPECT_EQ(SlotOf(&BREC::MP4TrackReader::lengthInFrames), sixth);
 }
 
 TEST(OperationOrder, IDSChain) {

@@ -1,5 +1,9 @@
 #include <array>
 #include <atomic>
+#include <chrono>
+#include <functional>
+#include <future>
+#include <latch>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -106,6 +110,71 @@ TEST(VideoSampleReaderCacheThreads, AHeldReaderStaysTheSame) {
     EXPECT_EQ(factory.created, 1);
     EXPECT_TRUE(IsPooled(cache, Paths[0]));
     EXPECT_FALSE(IsPooled(cache, Paths[0]));
+}
+
+// Runs `meanwhile` while a file is being opened, and tells whether the file is open yet.
+class SlowFactory : public DecoderFactory {
+public:
+    std::function<void()> meanwhile = [] {};
+    std::atomic<bool> opened = false;
+    std::atomic<int> living = 0;
+
+    // DecoderFactory
+    VideoSampleReader* CreateVideoSampleReader(const std::string& path, int, bool) override {
+        if (path == "slow.mp4") {
+            meanwhile();
+            opened = true;
+        }
+        return new CountedReader(living);
+    }
+};
+
+// Long for a machine that is busy, and waited for only where something is wrong.
+constexpr std::chrono::seconds Ages(20);
+
+TEST(VideoSampleReaderCacheThreads, RecordingsDoNotWaitForAnOpen) {
+    SlowFactory factory;
+    VideoSampleReaderCache cache(&factory);
+    std::future<void> recording;
+    bool waited = true;
+    factory.meanwhile = [&] {
+        recording = std::async(std::launch::async, [&cache] {
+            cache.AcquireDecoder("b.brec", 0, false);
+            cache.ReleaseDecoder("b.brec", 0);
+        });
+        waited = recording.wait_for(Ages) != std::future_status::ready;
+    };
+    cache.AcquireDecoder("slow.mp4", 0, false);
+    recording.get();
+    EXPECT_FALSE(waited);
+}
+
+// What others do with a reader that is in the pool waits until the file is open.
+void ExpectToWait(const std::function<void(VideoSampleReaderCache&)>& call) {
+    SlowFactory factory;
+    VideoSampleReaderCache cache(&factory);
+    cache.AcquireDecoder("a.mp4", 0, false);
+    std::latch started(1);
+    std::future<bool> other;
+    factory.meanwhile = [&] {
+        other = std::async(std::launch::async, [&] {
+            started.count_down();
+            call(cache);
+            return factory.opened.load();
+        });
+        started.wait();
+        EXPECT_EQ(other.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    };
+    cache.AcquireDecoder("slow.mp4", 0, false);
+    EXPECT_TRUE(other.get());
+}
+
+TEST(VideoSampleReaderCacheThreads, APooledReaderWaitsForAnOpen) {
+    ExpectToWait([](VideoSampleReaderCache& cache) { cache.AcquireDecoder("a.mp4", 0, false); });
+}
+
+TEST(VideoSampleReaderCacheThreads, AReleaseWaitsForAnOpen) {
+    ExpectToWait([](VideoSampleReaderCache& cache) { cache.ReleaseDecoder("a.mp4", 0); });
 }
 
 TEST(VideoSampleReaderCacheThreads, AFailureToOpenLetsGoOfTheLock) {

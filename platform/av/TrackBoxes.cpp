@@ -1,0 +1,131 @@
+#include "platform/av/TrackBoxes.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "platform/av/Mp4Boxes.h"
+
+namespace av {
+
+namespace {
+
+constexpr std::uint64_t VersionAndFlags = 4;
+
+// The first of that type in `parent`.
+std::optional<Mp4Box> Find(Mp4Boxes& boxes, const Mp4Box& parent, std::string_view type) {
+    std::optional<Mp4Box> found;
+    boxes.ForEach(parent.payload, [&](const Mp4Box& box) {
+        if (box.type == type) {
+            found = box;
+        }
+        return !found;
+    });
+    return found;
+}
+
+std::optional<Mp4Box> FindBelow(Mp4Boxes& boxes, Mp4Box box,
+                                std::initializer_list<std::string_view> types) {
+    for (const std::string_view type : types) {
+        const auto child = Find(boxes, box, type);
+        if (!child) {
+            return std::nullopt;
+        }
+        box = *child;
+    }
+    return box;
+}
+
+std::uint32_t IdOf(Mp4Boxes& boxes, const Mp4Box& track) {
+    const auto header = Find(boxes, track, "tkhd");
+    if (!header) {
+        return 0;
+    }
+    // Two times stand before it, which are of 64 bits in version 1.
+    const std::uint64_t start = header->payload.start;
+    const std::uint64_t times = boxes.Number(start, 1) == 0U ? 2 * 4 : 2 * 8;
+    const auto id = boxes.Number(start + VersionAndFlags + times, 4);
+    return static_cast<std::uint32_t>(id.value_or(0));
+}
+
+std::string HandlerOf(Mp4Boxes& boxes, const Mp4Box& track) {
+    const auto handler = FindBelow(boxes, track, {"mdia", "hdlr"});
+    constexpr std::uint64_t componentType = 4;
+    return handler ? boxes.FourCharacters(handler->payload.start + VersionAndFlags + componentType)
+                         .value_or("")
+                   : std::string();
+}
+
+std::vector<std::string> DescriptionsOf(Mp4Boxes& boxes, const Mp4Box& track) {
+    std::vector<std::string> descriptions;
+    if (const auto table = FindBelow(boxes, track, {"mdia", "minf", "stbl", "stsd"})) {
+        constexpr std::uint64_t count = 4;
+        const Mp4Range& payload = table->payload;
+        boxes.ForEach({payload.start + VersionAndFlags + count, payload.end},
+                      [&](const Mp4Box& box) {
+                          descriptions.push_back(box.type);
+                          return true;
+                      });
+    }
+    return descriptions;
+}
+
+// Those that are made of boxes, as far as anybody looks into them when the file is opened.
+bool IsContainer(const Mp4Box& box) {
+    constexpr std::array<std::string_view, 14> containers{"moov", "trak", "mdia", "minf", "stbl",
+                                                          "dinf", "edts", "udta", "meta", "ilst",
+                                                          "mvex", "moof", "traf", "tref"};
+    return std::find(containers.begin(), containers.end(), box.type) != containers.end();
+}
+
+// Boxes down to `depth`, as long as they are no more than `most`.
+void CountBoxes(Mp4Boxes& boxes, const Mp4Range& range, int depth, std::uint64_t most) {
+    boxes.ForEach(range, [&](const Mp4Box& box) {
+        if (depth > 1 && IsContainer(box)) {
+            CountBoxes(boxes, box.payload, depth - 1, most);
+        }
+        return boxes.Count() <= most;
+    });
+}
+
+// A file that keeps every picture in a fragment of its own has some seven boxes for each, which
+// with tiny pictures are one for every 43 bytes.
+std::uint64_t MostBoxes(std::uint64_t fileSize) {
+    constexpr std::uint64_t always = 100'000;
+    constexpr std::uint64_t bytesOfEach = 32;
+    return std::max(always, fileSize / bytesOfEach);
+}
+
+} // namespace
+
+std::vector<TrackBoxes> ReadTrackBoxes(const std::string& path) {
+    std::vector<TrackBoxes> tracks;
+    const auto boxes = Mp4Boxes::Open(path);
+    if (boxes == nullptr) {
+        return tracks;
+    }
+    const auto movie = Find(*boxes, Mp4Box{"", {0, boxes->Size()}}, "moov");
+    if (movie) {
+        boxes->ForEach(movie->payload, [&](const Mp4Box& box) {
+            if (box.type == "trak") {
+                tracks.push_back(
+                    {IdOf(*boxes, box), HandlerOf(*boxes, box), DescriptionsOf(*boxes, box)});
+            }
+            return true;
+        });
+    }
+    return tracks;
+}
+
+bool HasTooManyBoxes(const std::string& path) {
+    constexpr int depth = 10;
+    const auto boxes = Mp4Boxes::Open(path);
+    if (boxes == nullptr) {
+        return false;
+    }
+    const std::uint64_t most = MostBoxes(boxes->Size());
+    CountBoxes(*boxes, {0, boxes->Size()}, depth, most);
+    return boxes->Count() > most;
+}
+
+} // namespace av
