@@ -98,7 +98,7 @@ public:
         }
         if (header.width > Sides || header.height > Sides ||
             static_cast<std::uint64_t>(header.width) * static_cast<std::uint64_t>(header.height) >
-                MaxPicturePixels) {
+                MaxProgressivePixels) {
             return WINCODEC_ERR_IMAGESIZEOUTOFRANGE;
         }
         ReadPalette(header);
@@ -166,8 +166,7 @@ private:
         std::array<std::uint8_t, 256 * 4> bytes{};
         const std::int64_t start = std::int64_t{FileHeaderBytes} + m_size + m_masksBehind;
         const std::int64_t room = std::max<std::int64_t>(0, header.pixelOffset - start);
-        const std::size_t count =
-            std::min(wanted, static_cast<std::size_t>(room) / entryBytes);
+        const std::size_t count = std::min(wanted, static_cast<std::size_t>(room) / entryBytes);
         m_file.ReadAt(start, bytes.data(), count * entryBytes);
         for (std::size_t i = 0; i < count; ++i) {
             const std::uint8_t* entry = bytes.data() + i * entryBytes;
@@ -371,8 +370,7 @@ PictureShape BmpFile::Shape() const {
         shape.format = GUID_WICPixelFormat24bppBGR;
         break;
     default:
-        shape.format =
-            HasAlphaMask() ? GUID_WICPixelFormat32bppBGRA : GUID_WICPixelFormat32bppBGR;
+        shape.format = HasAlphaMask() ? GUID_WICPixelFormat32bppBGRA : GUID_WICPixelFormat32bppBGR;
         break;
     }
     return shape;
@@ -389,8 +387,7 @@ HRESULT BmpFile::Render(const Rendering& rendering) const {
 
 HRESULT BmpFile::DecodePlain(RowWriter& writer) const {
     const auto width = static_cast<std::size_t>(m_header.width);
-    const std::size_t rowBytes =
-        (width * static_cast<std::size_t>(m_header.bits) + 31) / 32 * 4;
+    const std::size_t rowBytes = (width * static_cast<std::size_t>(m_header.bits) + 31) / 32 * 4;
     std::vector<std::uint8_t> row(rowBytes);
     std::vector<std::uint8_t> pixels(width * 4);
     BufferedReader reader(m_file);
@@ -428,8 +425,8 @@ HRESULT BmpFile::RenderScaled(const Rendering& rendering) const {
     const PictureShape shape = Shape();
     const std::size_t stride = std::size_t{shape.width} * 4;
     const auto whole = std::make_unique_for_overwrite<BYTE[]>(stride * shape.height);
-    const HRESULT decoded = Render({shape.width, shape.height, GUID_WICPixelFormat32bppBGRA,
-                                    Turn(), stride, whole.get()});
+    const HRESULT decoded = Render(
+        {shape.width, shape.height, GUID_WICPixelFormat32bppBGRA, Turn(), stride, whole.get()});
     if (FAILED(decoded)) {
         return decoded;
     }

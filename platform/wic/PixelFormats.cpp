@@ -37,8 +37,9 @@ constexpr std::array Known = {
 } // namespace
 
 unsigned int BitsPerPixel(REFWICPixelFormatGUID format) {
-    const auto* const known = std::find_if(
-        Known.begin(), Known.end(), [&](const FormatBits& entry) { return entry.format == format; });
+    const auto* const known =
+        std::find_if(Known.begin(), Known.end(),
+                     [&](const FormatBits& entry) { return entry.format == format; });
     return known != Known.end() ? known->bits : 0;
 }
 

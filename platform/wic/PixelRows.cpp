@@ -172,15 +172,15 @@ RowWriter::RowWriter(const PixelKind& kind, const Rendering& rendering)
     , m_pack(PackOf(kind, rendering.format))
     , m_pixelBytes(BitsPerPixel(rendering.format) / 8) {
     if (!rendering.turn.IsNone()) {
-        m_scratch = std::make_unique_for_overwrite<std::uint8_t[]>(Block * rendering.width *
-                                                                   m_pixelBytes);
+        m_scratch =
+            std::make_unique_for_overwrite<std::uint8_t[]>(Block * rendering.width * m_pixelBytes);
     }
 }
 
 RowWriter::Pack RowWriter::PackOf(const PixelKind& kind, const WICPixelFormatGUID& format) {
     const bool opaque = !HasAlpha(kind.layout);
     if (format == GUID_WICPixelFormat32bppPBGRA) {
-        return opaque ? PackFrom<Keep, 4>(kind.layout)
+        return opaque               ? PackFrom<Keep, 4>(kind.layout)
                : kind.premultiplied ? PackFrom<CutToAlpha, 4>(kind.layout)
                                     : PackFrom<Multiply, 4>(kind.layout);
     }

@@ -28,8 +28,7 @@ struct PixelKind {
 };
 
 // Premultiplies whole pixels of a layout with alpha, to the nearest, in place or not.
-void Premultiply(PixelLayout layout, const std::uint8_t* from, std::size_t count,
-                 std::uint8_t* to);
+void Premultiply(PixelLayout layout, const std::uint8_t* from, std::size_t count, std::uint8_t* to);
 
 // Takes the rows of a picture from the top and writes them into the rows of a rendering.
 //

@@ -164,8 +164,8 @@ HRESULT VipsFile::ReadHeader() {
     m_isJpeg = loader == JpegLoader;
     const bool premultiplied = loader == TiffLoader && IsPremultipliedRgba(*m_file);
     m_shape = {static_cast<UINT>(image->Xsize), static_cast<UINT>(image->Ysize),
-               premultiplied ? GUID_WICPixelFormat32bppPBGRA : FormatOf(image),
-               DpiOf(image->Xres), DpiOf(image->Yres)};
+               premultiplied ? GUID_WICPixelFormat32bppPBGRA : FormatOf(image), DpiOf(image->Xres),
+               DpiOf(image->Yres)};
     if (m_isJpeg && vips_image_get_typeof(image.get(), VIPS_META_ORIENTATION) != 0) {
         m_orientation = static_cast<std::uint16_t>(vips_image_get_orientation(image.get()));
     }
@@ -203,8 +203,7 @@ int VipsFile::ShrinkFor(const Rendering& rendering) const {
 
 HRESULT VipsFile::Render(const Rendering& rendering) const {
     VipsImagePtr image = OpenImage(ShrinkFor(rendering));
-    return image ? RenderLoaded(std::move(image), rendering)
-                 : WINCODEC_ERR_BADIMAGE;
+    return image ? RenderLoaded(std::move(image), rendering) : WINCODEC_ERR_BADIMAGE;
 }
 
 } // namespace wic

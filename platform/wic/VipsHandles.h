@@ -3,6 +3,9 @@
 
 #include <memory>
 
+// First: GLib has macros of the names of its constants.
+#include "platform/win32/Types.h"
+
 #include <vips/vips.h>
 
 namespace wic {

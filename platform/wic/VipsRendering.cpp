@@ -33,8 +33,8 @@ VipsImagePtr ToBytes(const VipsImagePtr& image) {
     if (!image) {
         return nullptr;
     }
-    const bool shift = vips_band_format_isint(image->BandFmt) != 0 &&
-                       image->BandFmt != VIPS_FORMAT_CHAR;
+    const bool shift =
+        vips_band_format_isint(image->BandFmt) != 0 && image->BandFmt != VIPS_FORMAT_CHAR;
     return Step(image, [&](VipsImage* in, VipsImage** out) {
         return vips_cast(in, out, VIPS_FORMAT_UCHAR, "shift", shift ? TRUE : FALSE, nullptr);
     });
@@ -142,10 +142,10 @@ HRESULT Failed() {
 
 // On libvips' own thread, in the order of the rows. Nothing in here throws.
 int WriteStrip(VipsRegion* region, VipsRect* area, void* writer) {
-    static_cast<RowWriter*>(writer)->Write(
-        static_cast<std::size_t>(area->top), static_cast<std::size_t>(area->height),
-        VIPS_REGION_ADDR(region, 0, area->top),
-        static_cast<std::size_t>(VIPS_REGION_LSKIP(region)));
+    static_cast<RowWriter*>(writer)->Write(static_cast<std::size_t>(area->top),
+                                           static_cast<std::size_t>(area->height),
+                                           VIPS_REGION_ADDR(region, 0, area->top),
+                                           static_cast<std::size_t>(VIPS_REGION_LSKIP(region)));
     return 0;
 }
 

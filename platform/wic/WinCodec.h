@@ -114,6 +114,9 @@ struct IWICPalette : IUnknown {
 
     // The first colours, up to `capacity` of them; *actualColors says how many.
     virtual HRESULT GetColors(UINT capacity, WICColor* colors, UINT* actualColors) = 0;
+
+protected:
+    ~IWICPalette() = default;
 };
 
 struct IWICBitmapSource : IUnknown {
@@ -130,8 +133,10 @@ struct IWICBitmapSource : IUnknown {
     // converter, answers WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT. Other failures:
     // WINCODEC_ERR_INSUFFICIENTBUFFER, WINCODEC_ERR_BADIMAGE, E_OUTOFMEMORY; the rows are
     // undefined then.
-    virtual HRESULT CopyPixels(const WICRect* rect, UINT stride, UINT bufferSize,
-                               BYTE* buffer) = 0;
+    virtual HRESULT CopyPixels(const WICRect* rect, UINT stride, UINT bufferSize, BYTE* buffer) = 0;
+
+protected:
+    ~IWICBitmapSource() = default;
 };
 
 // A source in another pixel format, one of those that PixelFormats.h calls rendered.
@@ -140,6 +145,9 @@ struct IWICFormatConverter : IWICBitmapSource {
                                WICBitmapDitherType dither, IWICPalette* palette,
                                double alphaThresholdPercent,
                                WICBitmapPaletteType paletteTranslate) = 0;
+
+protected:
+    ~IWICFormatConverter() = default;
 };
 
 // A source at another size.
@@ -148,25 +156,40 @@ struct IWICBitmapScaler : IWICBitmapSource {
     // pixels that become one, and alpha weighs the colours.
     virtual HRESULT Initialize(IWICBitmapSource* source, UINT width, UINT height,
                                WICBitmapInterpolationMode mode) = 0;
+
+protected:
+    ~IWICBitmapScaler() = default;
 };
 
 // A source turned and mirrored.
 struct IWICBitmapFlipRotator : IWICBitmapSource {
     virtual HRESULT Initialize(IWICBitmapSource* source, WICBitmapTransformOptions options) = 0;
+
+protected:
+    ~IWICBitmapFlipRotator() = default;
 };
 
 // Pixels in memory.
-struct IWICBitmap : IWICBitmapSource {};
+struct IWICBitmap : IWICBitmapSource {
+protected:
+    ~IWICBitmap() = default;
+};
 
 struct IWICMetadataQueryReader : IUnknown {
     // The item of this path in *value, the caller's to clear; WINCODEC_ERR_PROPERTYNOTFOUND where
     // the file has none. What is known: "/app1/ifd/{ushort=274}" of a JPEG frame, and of GIF files
     // "/logscrdesc/...", "/appext/...", and of their frames "/imgdesc/...", "/grctlext/...".
     virtual HRESULT GetMetadataByName(LPCWSTR name, tagPROPVARIANT* value) = 0;
+
+protected:
+    ~IWICMetadataQueryReader() = default;
 };
 
 struct IWICBitmapFrameDecode : IWICBitmapSource {
     virtual HRESULT GetMetadataQueryReader(IWICMetadataQueryReader** reader) = 0;
+
+protected:
+    ~IWICBitmapFrameDecode() = default;
 };
 
 struct IWICBitmapDecoder : IUnknown {
@@ -177,12 +200,21 @@ struct IWICBitmapDecoder : IUnknown {
 
     // WINCODEC_ERR_FRAMEMISSING for an index at or past the count. The frame keeps the file open.
     virtual HRESULT GetFrame(UINT index, IWICBitmapFrameDecode** frame) = 0;
+
+protected:
+    ~IWICBitmapDecoder() = default;
 };
 
-struct IWICComponentInfo : IUnknown {};
+struct IWICComponentInfo : IUnknown {
+protected:
+    ~IWICComponentInfo() = default;
+};
 
 struct IWICPixelFormatInfo : IWICComponentInfo {
     virtual HRESULT GetBitsPerPixel(UINT* bits) = 0;
+
+protected:
+    ~IWICPixelFormatInfo() = default;
 };
 
 struct IWICImagingFactory : IUnknown {
@@ -207,4 +239,7 @@ struct IWICImagingFactory : IUnknown {
     // WINCODEC_ERR_IMAGESIZEOUTOFRANGE beyond wic::MaxSurfacePixels.
     virtual HRESULT CreateBitmap(UINT width, UINT height, REFWICPixelFormatGUID format,
                                  WICBitmapCreateCacheOption option, IWICBitmap** bitmap) = 0;
+
+protected:
+    ~IWICImagingFactory() = default;
 };
