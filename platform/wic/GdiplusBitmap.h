@@ -18,6 +18,10 @@ public:
     // PixelFormat24bppRGB.
     Bitmap(int width, int height, int stride, PixelFormat format, std::uint8_t* scan0);
 
+    Bitmap(const Bitmap&) = delete;
+    Bitmap& operator=(const Bitmap&) = delete;
+    virtual ~Bitmap() = default;
+
     Status GetLastStatus() const { return m_status; }
 
     unsigned int GetWidth() const { return static_cast<unsigned int>(m_width); }
