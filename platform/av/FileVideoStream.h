@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "platform/av/Demuxer.h"
+#include "platform/av/FileFacts.h"
 #include "platform/av/Landing.h"
 #include "platform/av/PacketFeed.h"
 #include "platform/av/PictureCache.h"
@@ -27,8 +28,13 @@ public:
     // VideoStream
     const VideoFacts& Facts() const override { return m_facts; }
 
+    const FileFacts& File() const override { return m_file; }
+
     bool Seek(std::int64_t time) override;
     ReadResult Read(PicturePtr& picture) override;
+
+    bool AtEnd() const override { return m_end && m_next >= *m_end; }
+
     const WorkCounters& Counters() const override;
 
 private:
@@ -47,6 +53,7 @@ private:
     PictureRun m_run;
     Landing m_landing;
     const VideoFacts m_facts;
+    const FileFacts m_file;
     const PictureCache::Owner m_owner;
 
     std::int64_t m_next; // the time that the next Read is for

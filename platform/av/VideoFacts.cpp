@@ -44,11 +44,11 @@ AVRational PixelAspectOf(const AVStream& stream) {
     return aspect.num > 0 && aspect.den > 0 ? aspect : AVRational{1, 1};
 }
 
+} // namespace
+
 std::int64_t DurationOf(const AVFormatContext& format) {
     return format.duration > 0 ? av_rescale_rnd(format.duration, 10, 1, AV_ROUND_DOWN) : 0;
 }
-
-} // namespace
 
 VideoFacts ReadVideoFacts(const AVFormatContext& format, const AVStream& stream) {
     VideoFacts facts;

@@ -6,6 +6,9 @@
 
 namespace av {
 
+// How long the file lasts, in 100 ns; 0: unknown.
+std::int64_t DurationOf(const AVFormatContext& format);
+
 VideoFacts ReadVideoFacts(const AVFormatContext& format, const AVStream& stream);
 
 } // namespace av

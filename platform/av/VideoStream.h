@@ -42,6 +42,8 @@ enum class ReadResult {
     Failed,  // the file or its decoder gave out here; Seek starts anew
 };
 
+struct FileFacts;
+
 // Thread-safety: none; one thread at a time. The decoded pictures of all streams share one cache.
 class VideoStream {
 public:
@@ -52,6 +54,9 @@ public:
 
     virtual const VideoFacts& Facts() const = 0;
 
+    // What else is in its file (FileFacts.h).
+    virtual const FileFacts& File() const = 0;
+
     // The next Read gives the picture shown at `time` (100 ns): the one with Start() <= time <
     // End(), the stream's first where `time` lies before it, and End where it lies behind the last
     // one's end. Cheap: the work is done by Read. False only when the file cannot be sought at all.
@@ -60,6 +65,9 @@ public:
     // The next picture in order of presentation. Times rise strictly from one picture to the next
     // and a picture ends where the next one starts, whatever was read before.
     virtual ReadResult Read(PicturePtr& picture) = 0;
+
+    // Whether the picture read last is the stream's last one, so that nothing starts where it ends.
+    virtual bool AtEnd() const = 0;
 
     // Since the opening.
     virtual const WorkCounters& Counters() const = 0;

@@ -44,7 +44,7 @@ av::ColourRules OfSilentPicture(int height) {
         return {};
     }
     frame->height = height;
-    return ColourRulesOf(*frame);
+    return av::ColourRulesOf(*frame);
 }
 
 } // namespace
