@@ -15,6 +15,7 @@ find_package(GIF 5.2 REQUIRED)
 # The program's alone.
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
+pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo>=1.16)
 pkg_check_modules(INIH REQUIRED IMPORTED_TARGET inih)
 # In no repository of Debian 12: platform/mp4v2/ stands in where it is not installed.
 pkg_check_modules(MP4V2 IMPORTED_TARGET mp4v2)

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "platform/av/WorkTotals.h"
+
 namespace av {
 
 namespace {
@@ -39,6 +41,7 @@ Landing::Place Landing::Earlier() {
 
 Landing::Place Landing::ToStart() {
     ++m_seeks;
+    ++WorkTotals().seeks;
     m_feed.Clear();
     return m_demuxer.Rewind() ? Place::Start : Place::Nowhere;
 }
@@ -103,6 +106,7 @@ void Landing::StepBack() {
 // False when the container cannot seek.
 bool Landing::SeekToKey() {
     ++m_seeks;
+    ++WorkTotals().seeks;
     m_feed.Clear();
     if (!m_demuxer.SeekBefore(m_target)) {
         return false;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/av/WorkTotals.h"
+
 namespace av {
 
 namespace {
@@ -65,6 +67,7 @@ bool PacketFeed::ReadOne() {
         return false;
     }
     ++m_packetsRead;
+    ++WorkTotals().packetsRead;
     m_bytes += static_cast<std::size_t>(packet->size);
     m_packets.push_back(std::move(packet));
     return true;

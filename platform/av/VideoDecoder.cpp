@@ -6,6 +6,8 @@ extern "C" {
 #include <libavutil/hwcontext.h>
 }
 
+#include "platform/av/WorkTotals.h"
+
 namespace av {
 
 namespace {
@@ -123,6 +125,7 @@ VideoDecoder::Result VideoDecoder::Receive(AVFrame& frame) {
         const int result = avcodec_receive_frame(m_context.get(), &frame);
         if (result >= 0) {
             ++m_framesDecoded;
+            ++WorkTotals().picturesDecoded;
             return Result::Frame;
         }
         if (result == AVERROR_EOF) {

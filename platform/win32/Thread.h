@@ -17,6 +17,5 @@
 //
 // Thread-safety: safe from any thread.
 // NOLINTNEXTLINE(bugprone-reserved-identifier): the SDK's own name
-std::uintptr_t _beginthreadex(void* security, unsigned int stackSize,
-                              unsigned int (*start)(void*), void* argument, unsigned int flags,
-                              unsigned int* identifier);
+std::uintptr_t _beginthreadex(void* security, unsigned int stackSize, unsigned int (*start)(void*),
+                              void* argument, unsigned int flags, unsigned int* identifier);

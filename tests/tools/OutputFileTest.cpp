@@ -4,8 +4,10 @@
 #include <fstream>
 #include <iterator>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/WithoutPrivileges.h"
@@ -189,4 +191,27 @@ TEST(OutputFile, RefusesAFolderThatMayNotBeWritten) {
     }
     fs::permissions(folder.Path(), fs::perms::all);
     EXPECT_EQ(refusal, (folder / "out.wav") + ": cannot be written: Permission denied");
+}
+
+// Their links lead to whatever file the shell has opened there, which is not ours to replace.
+TEST(OutputFile, RefusesTheNameOfAnOpenFile) {
+    TemporaryFolder folder;
+    const std::string path = folder.Write("open", "old");
+    const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
+    for (const std::string& name :
+         {"/dev/fd/" + std::to_string(file), "/proc/self/fd/" + std::to_string(file)}) {
+        EXPECT_EQ(RefusalOf(name), name + ": cannot be written: names an open file");
+    }
+    close(file);
+    EXPECT_EQ(RefusalOf("/dev/stderr"), "/dev/stderr: cannot be written: names an open file");
+    EXPECT_EQ(FilesIn(folder.Path()), 1);
+}
+
+TEST(OutputFile, KnowsTheNamesOfStandardOutput) {
+    for (const char* name : {"-", "/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"}) {
+        EXPECT_TRUE(OutputFile::IsStandardOutput(name)) << name;
+    }
+    for (const char* name : {"./-", "", "--", "stdout", "/dev/fd/2"}) {
+        EXPECT_FALSE(OutputFile::IsStandardOutput(name)) << name;
+    }
 }

@@ -6,9 +6,12 @@
 #include <iterator>
 #include <thread>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
@@ -198,6 +201,42 @@ TEST(ProgramAudio, RefusesAnOutputThatCannotBe) {
     ExpectRefused({Tone(), "-o", "/dev/null"},
                   "/dev/null: cannot be written: is not a regular file");
     EXPECT_EQ(FilesIn(folder.Path()), 0);
+}
+
+TEST(ProgramAudio, WritesToStandardOutput) {
+    TemporaryFolder folder;
+    RunProgram({"audio", Tone(), "--frames", "1000", "-o", folder / "out.wav"});
+    for (const char* name : {"-", "/dev/stdout"}) {
+        const ProgramEnd end = RunProgram({"audio", Tone(), "--frames", "1000", "-o", name});
+        EXPECT_EQ(end.status, 0) << end.err;
+        EXPECT_EQ(end.out, ReadWholeFile(folder / "out.wav"));
+        EXPECT_THAT(end.err,
+                    EndsWith(": 1000 frames (0.023 s) from frame 0 at 44100 Hz, stereo, 16 "
+                             "bit\n"));
+    }
+}
+
+TEST(ProgramAudio, WhenNobodyReadsItsOutputItEndsSilently) {
+    TemporaryFolder folder;
+    const std::string pipe = folder / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    setenv("TMPDIR", folder.Path().c_str(), 1);
+    // Read and write at once, so that the program may open it without waiting.
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const int filler = open(pipe.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+    const std::string block(4096, 'x');
+    while (write(filler, block.data(), block.size()) > 0) {
+    }
+    close(filler);
+    ProgramRun run({"audio", Tone(), "-o", "-"}, pipe);
+    while (FilesIn(folder.Path()) < 2) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    close(reader);
+    EXPECT_EQ(run.Wait(), 128 + SIGPIPE);
+    unsetenv("TMPDIR");
+    EXPECT_EQ(run.Err(), "");
+    EXPECT_EQ(FilesIn(folder.Path()), 1) << "the temporary file is left";
 }
 
 TEST(ProgramAudio, RefusesAStartBehindTheSound) {

@@ -10,7 +10,8 @@
 namespace {
 
 void Redirect(int descriptor, const std::string& path) {
-    const int file = open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0600);
+    const int access = descriptor == STDIN_FILENO ? O_RDONLY : O_WRONLY;
+    const int file = open(path.c_str(), access | O_CREAT | O_TRUNC, 0600);
     dup2(file, descriptor);
     close(file);
 }
@@ -23,6 +24,7 @@ void Redirect(int descriptor, const std::string& path) {
     // A test runner in the background may have them ignored.
     signal(SIGINT, SIG_DFL);
     signal(SIGTERM, SIG_DFL);
+    signal(SIGPIPE, SIG_DFL);
     std::vector<char*> words{const_cast<char*>("zanthe")};
     for (const std::string& argument : arguments) {
         words.push_back(const_cast<char*>(argument.c_str()));
@@ -34,13 +36,13 @@ void Redirect(int descriptor, const std::string& path) {
 
 } // namespace
 
-ProgramRun::ProgramRun(const std::vector<std::string>& arguments)
+ProgramRun::ProgramRun(const std::vector<std::string>& arguments, const std::string& out)
     : m_process(fork()) {
     if (m_process < 0) {
         throw std::runtime_error("no process");
     }
     if (m_process == 0) {
-        Become(arguments, m_folder / "out", m_folder / "err");
+        Become(arguments, out.empty() ? m_folder / "out" : out, m_folder / "err");
     }
 }
 
@@ -70,8 +72,8 @@ std::string ProgramRun::Err() const {
     return ReadWholeFile(m_folder / "err");
 }
 
-ProgramEnd RunProgram(const std::vector<std::string>& arguments) {
-    ProgramRun run(arguments);
+ProgramEnd RunProgram(const std::vector<std::string>& arguments, const std::string& out) {
+    ProgramRun run(arguments, out);
     const int status = run.Wait();
     return {status, run.Out(), run.Err()};
 }

@@ -11,7 +11,8 @@
 // us.
 class ProgramRun {
 public:
-    explicit ProgramRun(const std::vector<std::string>& arguments);
+    // out: where its standard output goes; empty: to a file that Out reads.
+    explicit ProgramRun(const std::vector<std::string>& arguments, const std::string& out = {});
     ProgramRun(const ProgramRun&) = delete;
     ProgramRun& operator=(const ProgramRun&) = delete;
     ~ProgramRun(); // kills what still runs
@@ -38,4 +39,4 @@ struct ProgramEnd {
 };
 
 // Runs it to its end.
-ProgramEnd RunProgram(const std::vector<std::string>& arguments);
+ProgramEnd RunProgram(const std::vector<std::string>& arguments, const std::string& out = {});

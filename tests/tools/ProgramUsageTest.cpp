@@ -3,6 +3,7 @@
 #include "tests/tools/ProgramRun.h"
 
 using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
 namespace {
 
@@ -11,6 +12,8 @@ void ExpectUsageError(const std::vector<std::string>& arguments, const std::stri
     EXPECT_EQ(end.status, 2) << ::testing::PrintToString(arguments);
     EXPECT_EQ(end.out, "");
     EXPECT_THAT(end.err, HasSubstr(text));
+    EXPECT_THAT(end.err, StartsWith("zanthe: "));
+    EXPECT_EQ(end.err.find('\n'), end.err.size() - 1) << "one line: " << end.err;
 }
 
 } // namespace
@@ -25,9 +28,9 @@ TEST(ProgramUsage, TellsItsVersion) {
 TEST(ProgramUsage, HelpsAboutItself) {
     const ProgramEnd end = RunProgram({"--help"});
     EXPECT_EQ(end.status, 0);
-    EXPECT_THAT(end.out, HasSubstr("audio"));
-    EXPECT_THAT(end.out, HasSubstr("classify"));
-    EXPECT_THAT(end.out, HasSubstr("verify"));
+    for (const char* command : {"audio", "bench", "classify", "frame", "sheet", "verify"}) {
+        EXPECT_THAT(end.out, HasSubstr(std::string("\n  ") + command + " "));
+    }
     EXPECT_THAT(end.out, HasSubstr("Exit status: 0 done"));
 }
 
@@ -44,8 +47,8 @@ TEST(ProgramUsage, HelpsAboutAudioWithUnitsAndDefaults) {
 TEST(ProgramUsage, HelpsAboutVerifyWithUnitsAndDefaults) {
     const ProgramEnd end = RunProgram({"verify", "--help"});
     EXPECT_EQ(end.status, 0);
-    for (const char* part :
-         {"FILE", "--audio", "--seeks", "--seed", "--rate", "--json", "=200", "=44100", "in Hz"}) {
+    for (const char* part : {"FILE", "--audio", "--video", "--seeks", "--seed", "--rate",
+                             "--stream", "--format", "--json", "=200", "=44100", "in Hz"}) {
         EXPECT_THAT(end.out, HasSubstr(part));
     }
 }
@@ -77,4 +80,45 @@ TEST(ProgramUsage, PositionsAreWholeNumbersFromZero) {
     }
     ExpectUsageError({"verify", "a.mp3", "--seeks", "-1"}, "--seeks");
     ExpectUsageError({"verify", "a.mp3", "--seed", "-1"}, "--seed");
+}
+
+TEST(ProgramUsage, HelpsAboutTheVideoCommands) {
+    const ProgramEnd frame = RunProgram({"frame", "--help"});
+    for (const char* part : {"--at TIME[,TIME...]", "1001/30000", "OUT-1.png", "--raw",
+                             "--as-stored", "--stream", "--format", "--json"}) {
+        EXPECT_THAT(frame.out, HasSubstr(part));
+    }
+    const ProgramEnd sheet = RunProgram({"sheet", "--help"});
+    for (const char* part : {"--columns N=4", "--rows N=4", "-o,--output", "1 to 20"}) {
+        EXPECT_THAT(sheet.out, HasSubstr(part));
+    }
+    const ProgramEnd bench = RunProgram({"bench", "--help"});
+    for (const char* part :
+         {"--openings N=5", "--sequential N=300", "--random N=50", "--backward", "--scrubs"}) {
+        EXPECT_THAT(bench.out, HasSubstr(part));
+    }
+}
+
+TEST(ProgramUsage, FrameWantsTimesAndOneOutput) {
+    ExpectUsageError({"frame", "a.mp4", "-o", "out.png"}, "--at");
+    ExpectUsageError({"frame", "a.mp4", "--at", "1"}, "--raw");
+    ExpectUsageError({"frame", "a.mp4", "--at", "1", "-o", "a", "--raw", "b"}, "--raw");
+    for (const char* time : {"x", "1:60", "1/0", "", "1,,2", "1,", "99999999999999999999"}) {
+        ExpectUsageError({"frame", "a.mp4", "-o", "out.png", "--at", time}, "--at");
+    }
+    ExpectUsageError({"frame", "a.mp4", "-o", "out.png", "--at", "-1"}, "-1");
+    ExpectUsageError({"frame", "a.mp4", "-o", "out.png", "--at", "1", "--format", "3"}, "--format");
+    ExpectUsageError({"sheet", "a.mp4", "-o", "out.png", "--columns", "21"}, "--columns");
+    ExpectUsageError({"bench", "a.mp4", "--random", "0"}, "--random");
+}
+
+TEST(ProgramUsage, AnErrorsTextStaysOnOneLine) {
+    ExpectUsageError({"frame", "a.mp4", "-o", "out.png", "--at", "1\n2"}, "\\x0a");
+}
+
+TEST(ProgramUsage, HelpThatCannotBeWrittenIsAnError) {
+    const ProgramEnd end = RunProgram({"--help"}, "/dev/full");
+    EXPECT_EQ(end.status, 1);
+    EXPECT_EQ(end.err, "zanthe: standard output: cannot be written\n");
+    EXPECT_EQ(RunProgram({"--version"}, "/dev/full").status, 1);
 }

@@ -11,6 +11,7 @@
 #include "tests/tools/ProgramRun.h"
 
 using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
 namespace {
 
@@ -53,9 +54,11 @@ TEST(ProgramVerify, TellsWhatItComparedAsJson) {
     const auto json = nlohmann::json::parse(end.out);
     EXPECT_EQ(json["file"], Tone());
     EXPECT_EQ(json["seed"], 18446744073709551615U);
-    EXPECT_EQ(json["compared"][1]["spans"], 30);
+    EXPECT_EQ(json["audio"]["compared"][1]["spans"], 30);
     EXPECT_EQ(json["differences"], 0);
-    EXPECT_GT(json["frames_compared"], json["frames"]);
+    EXPECT_GT(json["audio"]["frames_compared"], json["audio"]["frames"]);
+    EXPECT_EQ(json["video"], nullptr);
+    EXPECT_NE(json["video_absent"], nullptr);
 }
 
 TEST(ProgramVerify, ASeedIsChosenAndPrintedWhenNoneIsGiven) {
@@ -76,9 +79,9 @@ TEST(ProgramVerify, RefusesWhatAudioRefuses) {
     const std::string movie = folder.Write("clip.mp4", "x");
     const ProgramEnd unread = RunProgram({"verify", movie});
     EXPECT_EQ(unread.status, 1);
-    EXPECT_EQ(unread.err, "zanthe: " + movie +
-                              ": no reader for its sound: "
-                              "Failed to create MediaFoundation resource\n");
+    EXPECT_EQ(unread.out, "");
+    EXPECT_THAT(unread.err, StartsWith("zanthe: " + movie + ": no reader for its sound: "));
+    EXPECT_THAT(unread.err, HasSubstr("; no reader for its pictures: "));
 }
 
 TEST(ProgramVerify, InterruptedItEndsSilently) {

@@ -45,10 +45,8 @@ std::string Lines(const VerifyReport& report) {
     return out.str();
 }
 
-nlohmann::json Parsed(const VerifyReport& report) {
-    std::ostringstream out;
-    PrintJson(report, out);
-    return nlohmann::json::parse(out.str());
+Program::Json Parsed(const VerifyReport& report) {
+    return JsonOf(report);
 }
 
 } // namespace
@@ -100,13 +98,10 @@ TEST(VerifyReport, DescribesAFailureOnOneLine) {
 
 TEST(VerifyReport, TheJsonHoldsTheSame) {
     const auto json = Parsed(Report());
-    EXPECT_EQ(json["command"], "verify");
-    EXPECT_EQ(json["file"], "clip.mp3");
     EXPECT_EQ(json["rate"], 44100);
     EXPECT_EQ(json["channels"], 2);
     EXPECT_EQ(json["frames"], 66150);
     EXPECT_EQ(json["seconds"], 1.5);
-    EXPECT_EQ(json["seed"], 12345);
     EXPECT_EQ(json["spans"], 335);
     EXPECT_EQ(json["frames_compared"], 5000000 + 66150 + 12345);
     EXPECT_EQ(json["differences"], 0);
@@ -134,13 +129,8 @@ TEST(VerifyReport, TheJsonHoldsTheFirstDifference) {
 TEST(VerifyReport, NotANumberIsToldByItsBits) {
     Difference difference = WrongSample();
     difference.answered = std::bit_cast<float>(0x7FC00001U);
-    const auto first = Parsed(WithDifference(difference))["first_difference"];
+    const auto first =
+        nlohmann::json::parse(Parsed(WithDifference(difference)).dump())["first_difference"];
     EXPECT_TRUE(first["answered"].is_null());
     EXPECT_EQ(first["answered_bits"], "0x7fc00001");
-}
-
-TEST(VerifyReport, ANameThatIsNoUtf8DoesNotBreakTheJson) {
-    VerifyReport report = Report();
-    report.file = "a\xFF.mp3";
-    EXPECT_EQ(Parsed(report)["file"], "a\xEF\xBF\xBD.mp3");
 }

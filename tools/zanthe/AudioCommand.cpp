@@ -81,10 +81,11 @@ void RunAudio(const AudioRequest& request, std::ostream& out) {
                                            Zanthe::WavWriter::MaxFrames(request.Format()));
     ThrowIfInterrupted();
     output.Commit();
+    std::ostream& report = ReportStream(request.output, out);
     if (request.json) {
-        PrintJson(request, frames, out);
+        PrintJson(request, frames, report);
     } else {
-        PrintLine(request, frames, out);
+        PrintLine(request, frames, report);
     }
 }
 

@@ -3,7 +3,8 @@
 namespace Program {
 
 CommandError::CommandError(std::string_view subject, std::string_view reason)
-    : std::runtime_error(std::string(subject) + ": " + std::string(reason)) {}
+    : std::runtime_error(std::string(subject) + ": " + std::string(reason))
+    , m_subjectLength(subject.size() + 2) {}
 
 std::string OneLine(std::string_view text) {
     constexpr std::string_view digits = "0123456789abcdef";

@@ -13,6 +13,12 @@ class CommandError : public std::runtime_error {
 public:
     // subject: the file (or folder) that the trouble is with.
     CommandError(std::string_view subject, std::string_view reason);
+
+    // The text without the subject; valid as long as the exception.
+    std::string_view Reason() const { return std::string_view(what()).substr(m_subjectLength); }
+
+private:
+    std::size_t m_subjectLength; // with what separates it
 };
 
 // `text` with its control characters written as \xHH: a file's name may hold line breaks and

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "tools/zanthe/CommandError.h"
+#include "tools/zanthe/OutputFile.h"
 
 namespace Program {
 
@@ -52,7 +53,8 @@ void RequireReadableFile(const std::string& path) {
 
 void RequireOtherFile(const std::string& input, const std::string& output) {
     std::error_code noSuchFile;
-    if (std::filesystem::equivalent(input, output, noSuchFile)) {
+    if (!OutputFile::IsStandardOutput(output) &&
+        std::filesystem::equivalent(input, output, noSuchFile)) {
         throw CommandError(output, "is the input file itself");
     }
 }

@@ -34,6 +34,7 @@ void CatchInterrupts() {
     Catch(SIGINT);
     Catch(SIGTERM);
     Catch(SIGHUP);
+    Catch(SIGPIPE);
 }
 
 void ThrowIfInterrupted() {

@@ -13,8 +13,8 @@ struct Interrupted {
     int signal; // the program's exit status is 128 + signal
 };
 
-// From now on SIGINT, SIGTERM and SIGHUP only leave a note. A signal that whoever started the
-// program wants ignored (nohup) stays ignored.
+// From now on SIGINT, SIGTERM, SIGHUP and SIGPIPE only leave a note. A signal that whoever started
+// the program wants ignored (nohup) stays ignored.
 void CatchInterrupts();
 
 // Throws Interrupted if a signal came since CatchInterrupts or the last throw.

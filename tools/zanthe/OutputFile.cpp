@@ -1,15 +1,20 @@
 #include "tools/zanthe/OutputFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <fstream>
+#include <iostream>
 #include <random>
 #include <system_error>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "tools/zanthe/CommandError.h"
+#include "tools/zanthe/Interrupt.h"
 
 namespace Program {
 
@@ -30,6 +35,10 @@ std::filesystem::path BehindLinks(const std::string& name) {
     std::filesystem::path target = name;
     std::error_code error;
     for (int i = 0; std::filesystem::is_symlink(target, error); ++i) {
+        // What such a link names is a file that somebody has open, not a place to put another.
+        if (target.string().starts_with("/proc/") || target.string().starts_with("/dev/fd/")) {
+            Refuse(name, "names an open file");
+        }
         if (i == mostLinks) {
             Refuse(name, ELOOP);
         }
@@ -87,11 +96,13 @@ std::string FreshName() {
     return name;
 }
 
+constexpr mode_t OwnerOnly = 0600;
+
 std::string MakeFresh(const std::string& name, const std::filesystem::path& folder,
                       mode_t permissions) {
     for (;;) {
         std::string path = (folder / FreshName()).string();
-        const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, OwnerOnly);
         if (file >= 0) {
             // Not every file system keeps permissions; the file is good without them.
             (void)!fchmod(file, permissions);
@@ -104,11 +115,57 @@ std::string MakeFresh(const std::string& name, const std::filesystem::path& fold
     }
 }
 
+std::string MakeFreshForStandardOutput(const std::string& name) {
+    if (isatty(STDOUT_FILENO) != 0) {
+        Refuse(name, "standard output is a terminal");
+    }
+    std::error_code error;
+    const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
+    if (error) {
+        Refuse(name, error.value());
+    }
+    return MakeFresh(name, folder, OwnerOnly);
+}
+
+void WriteAll(const std::string& name, const char* bytes, std::size_t count) {
+    while (count > 0) {
+        const ssize_t written = write(STDOUT_FILENO, bytes, count);
+        if (written < 0 && errno != EINTR) {
+            const int error = errno;
+            ThrowIfInterrupted();
+            Refuse(name, error);
+        }
+        bytes += std::max<ssize_t>(written, 0);
+        count -= static_cast<std::size_t>(std::max<ssize_t>(written, 0));
+    }
+}
+
+void CopyToStandardOutput(const std::string& name, const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    std::vector<char> bytes(1 << 20);
+    while (stream) {
+        stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        WriteAll(name, bytes.data(), static_cast<std::size_t>(stream.gcount()));
+    }
+    if (!stream.eof()) {
+        Refuse(name, EIO);
+    }
+}
+
 } // namespace
 
+bool OutputFile::IsStandardOutput(const std::string& target) {
+    return target == "-" || target == "/dev/stdout" || target == "/dev/fd/1" ||
+           target == "/proc/self/fd/1";
+}
+
 OutputFile::OutputFile(const std::string& target)
-    : m_name(target)
-    , m_target(BehindLinks(target)) {
+    : m_name(target) {
+    if (IsStandardOutput(target)) {
+        m_temporary = MakeFreshForStandardOutput(m_name);
+        return;
+    }
+    m_target = BehindLinks(target);
     const mode_t permissions = PermissionsFor(m_name, m_target);
     m_temporary = MakeFresh(m_name, FolderOf(m_name, m_target), permissions);
 }
@@ -120,10 +177,18 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::Commit() {
+    if (IsStandardOutput(m_name)) {
+        CopyToStandardOutput(m_name, m_temporary);
+        return;
+    }
     if (std::rename(m_temporary.c_str(), m_target.c_str()) != 0) {
         Refuse(m_name, errno);
     }
     m_temporary.clear();
+}
+
+std::ostream& ReportStream(const std::string& target, std::ostream& out) {
+    return OutputFile::IsStandardOutput(target) ? std::cerr : out;
 }
 
 } // namespace Program

@@ -25,9 +25,10 @@ public:
 
     void Show(const std::string& text);
 
-private:
+    // Takes the line away, until the next Show.
     void Wipe();
 
+private:
     std::ostream& m_stream;
     bool m_visible;
     std::chrono::milliseconds m_interval;

@@ -2,31 +2,45 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
 
+#include <boost/shared_ptr.hpp>
+
+#include "tools/zanthe/IVideo.h"
+#include "tools/zanthe/OpenVideo.h"
 #include "zanthe/audio/IAudioReader.h"
 
 namespace Program {
 
 struct VerifyRequest {
     std::string file;
-    bool audio =
-        false; // the sound alone; without it everything that can be verified, which is that
-    std::int64_t seeks = 200;          // random reads
+    bool audio = false; // the sound must be there; without `video` it alone counts
+    bool video = false; // and the other way round; neither: what the file has
+    VideoChoice choice;
+    std::int64_t seeks = 200;          // random reads, of each
     std::optional<std::uint64_t> seed; // none: another every time
     int rate = 44100;                  // Hz
     bool json = false;
 };
 
+// How a file is opened. Each throws CommandError when the file has nothing of that kind.
+struct VerifySources {
+    std::function<boost::shared_ptr<Zanthe::IAudioReader>()> sound;
+    std::function<std::unique_ptr<IVideo>()> video;
+};
+
 // Verifies the file and says on `out` what was compared.
 //
-// Throws CommandError when the file cannot be read and also, after the report, when a read
-// differed; std::exception with the library's text when the linear reading fails; Interrupted.
+// Throws CommandError when the file cannot be read, has nothing of what is asked for, and also,
+// after the report, when a read differed; std::exception with the library's text when the linear
+// reading fails; Interrupted.
 void RunVerify(const VerifyRequest& request, std::ostream& out);
 
-// The same over a reader that is open.
-void VerifySound(Zanthe::IAudioReader& reader, const VerifyRequest& request, std::ostream& out);
+// The same over other sources.
+void Verify(const VerifySources& sources, const VerifyRequest& request, std::ostream& out);
 
 } // namespace Program

@@ -6,7 +6,6 @@
 #include <sstream>
 
 #include "tools/zanthe/CommandError.h"
-#include "tools/zanthe/JsonLine.h"
 
 namespace Program {
 
@@ -124,7 +123,7 @@ void PrintLines(const VerifyReport& report, std::ostream& out) {
     out << text.str();
 }
 
-void PrintJson(const VerifyReport& report, std::ostream& out) {
+Json JsonOf(const VerifyReport& report) {
     Json compared = Json::array();
     std::int64_t frames = 0;
     for (const ReadTally& tally : report.audio.tallies) {
@@ -134,13 +133,10 @@ void PrintJson(const VerifyReport& report, std::ostream& out) {
                             {"differences", tally.differences}});
         frames += tally.kind == ReadKind::Linear ? 0 : tally.frames;
     }
-    Json json{{"command", "verify"},
-              {"file", report.file},
-              {"rate", report.rate},
+    Json json{{"rate", report.rate},
               {"channels", SoundChannels},
               {"frames", report.audio.frames},
               {"seconds", SecondsOf(report)},
-              {"seed", report.seed},
               {"spans", report.audio.Spans()},
               {"frames_compared", frames},
               {"compared", std::move(compared)},
@@ -149,7 +145,7 @@ void PrintJson(const VerifyReport& report, std::ostream& out) {
     if (report.audio.first) {
         json["first_difference"] = JsonOf(*report.audio.first);
     }
-    PrintJsonLine(json, out);
+    return json;
 }
 
 } // namespace Program

@@ -1,4 +1,4 @@
-// What `zanthe verify` says about a file, for people and for programs.
+// What `zanthe verify` says about a file's sound, for people and for programs.
 #pragma once
 
 #include <cstdint>
@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tools/zanthe/AudioVerifier.h"
+#include "tools/zanthe/JsonLine.h"
 
 namespace Program {
 
@@ -19,8 +20,8 @@ struct VerifyReport {
 // A few lines: the sound, the spans and frames compared by kind, the first difference if any.
 void PrintLines(const VerifyReport& report, std::ostream& out);
 
-// The same as one JSON object. Names that are not UTF-8 come out with replacement characters.
-void PrintJson(const VerifyReport& report, std::ostream& out);
+// The same as a JSON object, file and seed left out: they are not the sound's alone.
+Json JsonOf(const VerifyReport& report);
 
 // One line: kind of read, span, and in what it differs, samples with their bits.
 std::string Describe(const Difference& difference);

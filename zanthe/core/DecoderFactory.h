@@ -4,6 +4,7 @@
 //     std::unique_ptr<VideoSampleReader> reader(
 //         factory->CreateVideoSampleReader("clip.mp4", 0, false));
 //     if (!reader) ... // the file's backend could not be made
+//     std::unique_ptr<VideoSample> sample(reader->readVideoSample(...)); // null: no frame there
 //
 // A host that shows one file in several places asks through VideoSampleReaderCache instead.
 #pragma once
@@ -39,8 +40,9 @@ public:
     virtual ~DecoderFactory();
 
     // A reader over one video stream of the file at `path` (UTF-8), which may name a member of a
-    // recording behind a "!". It is the caller's, who ends it with delete; null when the file goes
-    // to the H.264 reader and that cannot be made. No other backend is then tried.
+    // recording behind a "!". It is the caller's, who ends it with delete. A file that goes to the
+    // H.264 reader gets one also when it cannot be opened: WinH264SampleReader::readerStatus()
+    // tells, and such a reader gives no samples. No other backend is then tried.
     //
     // The first that fits decides. E is the text behind the last "." of the whole path, compared
     // with no regard to case; nothing of the first four fits a path without a dot.
@@ -60,6 +62,7 @@ public:
     //   "DecoderFactory::CreateVideoDecoder: Couldn't find a decoder to match extension = " and E
     //        a member of a ".brec" recording, which has no decoder of its own
     //   "Can't create WICAnimatedGIFReader"
+    // boost::bad_rational for a file of the H.264 reader; see WinH264SampleReader::create.
     // TextException:
     //   "OrirecScreenVideoDecoder - orirec is not a structured-storage file!"
     // a const char*, as the DirectShow side throws its texts:

@@ -15,8 +15,8 @@ com::ComPtr<IMFSourceReader> OpenCompressed(const std::string& path) {
     constexpr DWORD video = MF_SOURCE_READER_FIRST_VIDEO_STREAM;
     com::ComPtr<IMFSourceReader> reader;
     com::ComPtr<IMFMediaType> native;
-    if (FAILED(MFCreateSourceReaderFromURL(win32::Utf8ToWide(path).c_str(), nullptr,
-                                           reader.Put())) ||
+    if (FAILED(
+            MFCreateSourceReaderFromURL(win32::Utf8ToWide(path).c_str(), nullptr, reader.Put())) ||
         FAILED(reader->GetNativeMediaType(video, 0, native.Put())) ||
         FAILED(reader->SetCurrentMediaType(video, nullptr, native.Get()))) {
         return {};
@@ -85,8 +85,8 @@ private:
 H264KeyframeCollector_MF::~H264KeyframeCollector_MF() = default;
 
 bool H264KeyframeCollector_MF::CollectKeyframeTimesAndDuration(
-    const std::string& path, std::int64_t firstSampleTime,
-    std::vector<std::int64_t>& keyFrameTimes, std::int64_t& duration) {
+    const std::string& path, std::int64_t firstSampleTime, std::vector<std::int64_t>& keyFrameTimes,
+    std::int64_t& duration) {
     constexpr int mostReadsInVain = 500; // no gap in a stream is that long
     keyFrameTimes.clear();
     duration = 0;

@@ -9,6 +9,7 @@ namespace Zanthe {
 // file and decodes nothing.
 //
 // Thread-safety: safe from any thread; it keeps no state.
+// NOLINTNEXTLINE(readability-identifier-naming): a settled name
 class ZANTHE_API H264KeyframeCollector_MF : public IH264KeyframeCollector {
 public:
     ~H264KeyframeCollector_MF() override;

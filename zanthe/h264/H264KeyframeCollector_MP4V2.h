@@ -6,6 +6,7 @@
 namespace Zanthe {
 
 // Thread-safety: safe from any thread; it keeps no state.
+// NOLINTNEXTLINE(readability-identifier-naming): a settled name
 class ZANTHE_API H264KeyframeCollector_MP4V2 : public IH264KeyframeCollector {
 public:
     ~H264KeyframeCollector_MP4V2() override;

@@ -3,7 +3,9 @@
 namespace Zanthe {
 
 HrdParameters ReadHrdParameters(BitStreamReader& bits) {
-    const auto bits8 = [&bits](int count) { return static_cast<std::uint8_t>(bits.ReadBits(count)); };
+    const auto bits8 = [&bits](int count) {
+        return static_cast<std::uint8_t>(bits.ReadBits(count));
+    };
     HrdParameters hrd;
     hrd.cpb_cnt_minus1 = bits.ReadUnsignedExpGolomb();
     hrd.bit_rate_scale = bits8(4);

@@ -14,7 +14,8 @@ namespace {
 
 enum class Side { Input, Output };
 
-// The codecs of the category, software first. Each keeps its own reference; the array is given back.
+// The codecs of the category, software first. Each keeps its own reference; the array is given
+// back.
 std::vector<com::ComPtr<IMFActivate>> FindCodecs(REFGUID category, Side side, REFGUID subtype) {
     constexpr UINT32 flags = MFT_ENUM_FLAG_SYNCMFT | MFT_ENUM_FLAG_HARDWARE |
                              MFT_ENUM_FLAG_LOCALMFT | MFT_ENUM_FLAG_SORTANDFILTER;

@@ -25,8 +25,8 @@ Mp4FileOwner OpenMp4File(const std::string& path);
 // MP4_INVALID_TRACK_ID where there is none.
 MP4TrackId FindVideoTrack(const Mp4FileOwner& file);
 
-// `units` of which there are unitsPerSecond a second, in units of 100 ns: by way of double, with the
-// fraction cut off. What 64 bits do not hold is their greatest number; 0 where both are 0.
+// `units` of which there are unitsPerSecond a second, in units of 100 ns: by way of double, with
+// the fraction cut off. What 64 bits do not hold is their greatest number; 0 where both are 0.
 std::int64_t ReferenceTimeOf(std::uint64_t units, std::uint64_t unitsPerSecond);
 
 } // namespace Zanthe

@@ -8,8 +8,8 @@
 namespace Zanthe {
 
 struct NativeMediaTypeInfo {
-    GUID subtype{};           // an MFVideoFormat
-    std::uint32_t width = 0;  // pixels
+    GUID subtype{};          // an MFVideoFormat
+    std::uint32_t width = 0; // pixels
     std::uint32_t height = 0;
     std::uint32_t frameRateNumerator = 0; // 0/1: unknown
     std::uint32_t frameRateDenominator = 1;

@@ -128,9 +128,9 @@ com::ComPtr<IMFSourceReader> OpenSourceReader(const std::string& path, DecoderOu
 }
 
 bool IsSupportedVideo(IMFMediaType* native, GUID* subtype) {
-    constexpr std::array supported = {MFVideoFormat_M4S2,    MFVideoFormat_MP4V,
-                                      MFVideoFormat_H264,    MFVideoFormat_H264_ES,
-                                      MFVideoFormat_HEVC,    MFVideoFormat_HEVC_ES};
+    constexpr std::array supported = {MFVideoFormat_M4S2, MFVideoFormat_MP4V,
+                                      MFVideoFormat_H264, MFVideoFormat_H264_ES,
+                                      MFVideoFormat_HEVC, MFVideoFormat_HEVC_ES};
     GUID major{};
     return SUCCEEDED(native->GetMajorType(&major)) && major == MFMediaType_Video &&
            SUCCEEDED(native->GetGUID(MF_MT_SUBTYPE, subtype)) &&
@@ -209,13 +209,13 @@ std::int64_t FindDuration(const std::string& path) {
         return duration;
     }
     com::ComPtr<IMFSourceReader> reader;
-    if (FAILED(MFCreateSourceReaderFromURL(win32::Utf8ToWide(path).c_str(), nullptr,
-                                           reader.Put()))) {
+    if (FAILED(
+            MFCreateSourceReaderFromURL(win32::Utf8ToWide(path).c_str(), nullptr, reader.Put()))) {
         return 0;
     }
     PropVariantHelper duration;
-    const HRESULT result = reader->GetPresentationAttribute(MF_SOURCE_READER_MEDIASOURCE,
-                                                            MF_PD_DURATION, duration);
+    const HRESULT result =
+        reader->GetPresentationAttribute(MF_SOURCE_READER_MEDIASOURCE, MF_PD_DURATION, duration);
     return SUCCEEDED(result) ? static_cast<std::int64_t>(duration) : 0;
 }
 

@@ -1,7 +1,7 @@
 // Random access by time over a source reader, which by itself goes forward only.
 //
-//     WinH264FastSampleFinder finder(reader, firstSample, duration, stream, std::move(decider), {});
-//     com::ComPtr<IMFSample> sample =
+//     WinH264FastSampleFinder finder(reader, firstSample, duration, stream, std::move(decider),
+//     {}); com::ComPtr<IMFSample> sample =
 //         com::ComPtr<IMFSample>::Attach(finder.findSampleAtTime(MediaTime(5, 2)));
 #pragma once
 
@@ -93,8 +93,8 @@ private:
     com::ComPtr<IMFSample> m_previousSample; // the one before, or the one answered last
     std::unique_ptr<ISeekOrStepThroughDecider> m_decider;
     std::function<void(IMFSample*)> m_callback;
-    std::int64_t m_firstSampleTime = 0; // on the reader's timeline
-    std::int64_t m_currentTime = 0;     // of the sample read last; 0 behind a seek
+    std::int64_t m_firstSampleTime = 0;     // on the reader's timeline
+    std::int64_t m_currentTime = 0;         // of the sample read last; 0 behind a seek
     std::uint32_t m_frameRateNumerator = 0; // kept for diagnosis, as is the next
     std::uint32_t m_frameRateDenominator = 1;
     std::deque<ReadSampleOp> m_operations;

@@ -132,8 +132,8 @@ void WinH264SampleReader::OnFirstSample(IMFSample* sample) {
         AddHardwareDecoder();
     }
     com::ComPtr<IMFMediaType> type;
-    if (SUCCEEDED(m_sourceReader->GetCurrentMediaType(static_cast<DWORD>(m_streamIndex),
-                                                      type.Put())) &&
+    if (SUCCEEDED(
+            m_sourceReader->GetCurrentMediaType(static_cast<DWORD>(m_streamIndex), type.Put())) &&
         type) {
         static_cast<void>(
             MFGetAttributeSize(type.Get(), MF_MT_FRAME_SIZE, &m_decodedWidth, &m_decodedHeight));

@@ -1,6 +1,5 @@
 #include "platform/win32/Thread.h"
 
-
 #include <gtest/gtest.h>
 
 #include "platform/win32/Event.h"

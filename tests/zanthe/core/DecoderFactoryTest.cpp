@@ -30,11 +30,14 @@ std::string GraphFailureOf(const std::string& path, bool useMediaFoundation = tr
 
 constexpr const char* NoGraph = "Could not get the MediaControl interface from the FilterGraph";
 
-TEST(DecoderFactory, AFileOfTheH264ReaderIsNull) {
-    EXPECT_EQ(Open("none.mp4"), nullptr);
-    EXPECT_EQ(Open("none.mov"), nullptr);
-    const std::unique_ptr<DecoderFactory> factory(DecoderFactory::Create());
-    EXPECT_EQ(factory->CreateVideoSampleReader("none.mp4", 0, true), nullptr);
+// A reader that cannot be opened is one all the same; it gives no samples.
+TEST(DecoderFactory, AFileThatTheH264ReaderCannotOpen) {
+    for (const char* path : {"none.mp4", "none.mov"}) {
+        const auto reader = Open(path);
+        ASSERT_NE(reader, nullptr);
+        EXPECT_EQ(reader->outputWidth(), 0);
+        EXPECT_EQ(reader->readVideoSample(MediaTime(0), {}, VideoSampleReaderFlags::None), nullptr);
+    }
 }
 
 TEST(DecoderFactory, AFileWithoutAGraphThrowsItsBareText) {

@@ -50,7 +50,8 @@ inline Blob ParameterSet(const SetOptions& options = {}) {
 }
 
 // A VUI of nothing but its colour; `matrix` none: without a colour description.
-inline std::function<void(BitWriter&)> ColorVui(bool fullRange, std::optional<std::uint8_t> matrix) {
+inline std::function<void(BitWriter&)> ColorVui(bool fullRange,
+                                                std::optional<std::uint8_t> matrix) {
     return [=](BitWriter& bits) {
         bits.Flag(false).Flag(false).Flag(true).Bits(5, 3).Flag(fullRange).Flag(matrix.has_value());
         if (matrix) {

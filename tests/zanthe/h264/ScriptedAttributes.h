@@ -61,7 +61,13 @@ public:
         return Set(key, com::ComPtr<IUnknown>(object));
     }
 
-    HRESULT CopyAllItems(IMFAttributes*) override { return E_NOTIMPL; }
+    // What `destination` has beside is left there.
+    HRESULT CopyAllItems(IMFAttributes* destination) override {
+        for (const auto& [key, value] : m_values) {
+            std::visit([&, at = key](const auto& held) { Copy(destination, at, held); }, value);
+        }
+        return S_OK;
+    }
 
     bool Has(REFGUID key) const { return m_values.count(key) != 0; }
 
@@ -74,6 +80,20 @@ private:
             return std::memcmp(&a, &b, sizeof(GUID)) < 0;
         }
     };
+
+    static void Copy(IMFAttributes* to, REFGUID key, UINT32 value) { to->SetUINT32(key, value); }
+
+    static void Copy(IMFAttributes* to, REFGUID key, UINT64 value) { to->SetUINT64(key, value); }
+
+    static void Copy(IMFAttributes* to, REFGUID key, const GUID& value) { to->SetGUID(key, value); }
+
+    static void Copy(IMFAttributes* to, REFGUID key, const Blob& value) {
+        to->SetBlob(key, value.data(), static_cast<UINT32>(value.size()));
+    }
+
+    static void Copy(IMFAttributes* to, REFGUID key, const com::ComPtr<IUnknown>& value) {
+        to->SetUnknown(key, value.Get());
+    }
 
     template <typename T>
     HRESULT Get(REFGUID key, T* value) const {

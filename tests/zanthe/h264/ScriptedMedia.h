@@ -135,7 +135,10 @@ public:
         return S_OK;
     }
 
-    HRESULT ConvertToContiguousBuffer(IMFMediaBuffer**) override { return E_NOTIMPL; }
+    // Of samples with one buffer.
+    HRESULT ConvertToContiguousBuffer(IMFMediaBuffer** buffer) override {
+        return GetBufferByIndex(0, buffer);
+    }
 
     HRESULT AddBuffer(IMFMediaBuffer* buffer) override {
         m_buffers.emplace_back(buffer);

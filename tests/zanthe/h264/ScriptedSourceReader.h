@@ -12,7 +12,7 @@
 // What a read comes to.
 enum class ReadOutcome {
     Sample,
-    Tick,          // no sample: a gap in the stream
+    Tick, // no sample: a gap in the stream
     Failed,
     EndWithSample, // the last one, which says so
 };
@@ -48,7 +48,7 @@ struct SourceScript {
     bool indexIsTold = true; // by reads, to those who ask
     Place place = Place::Memory;
     std::size_t bufferBytes = 64;
-    com::ComPtr<ScriptedMediaType> nativeType; // by default H.264 of 64x48, 30 a second
+    com::ComPtr<ScriptedMediaType> nativeType;  // by default H.264 of 64x48, 30 a second
     com::ComPtr<ScriptedMediaType> currentType; // what was set, or what the test puts here
 
     // What was asked.

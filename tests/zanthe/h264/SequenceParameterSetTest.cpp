@@ -144,7 +144,7 @@ TEST(SequenceParameterSet, AllOfTheVui) {
         bits.Flag(true).Bits(255, 8).Bits(40000, 16).Bits(33, 16); // aspect ratio
         bits.Flag(true).Flag(true);                                // overscan
         bits.Flag(true).Bits(5, 3).Flag(true).Flag(true).Bits(9, 8).Bits(16, 8).Bits(7, 8);
-        bits.Flag(true).Unsigned(1).Unsigned(2);                     // chroma location
+        bits.Flag(true).Unsigned(1).Unsigned(2);                        // chroma location
         bits.Flag(true).Bits(1001, 32).Bits(0x80000001, 32).Flag(true); // timing
         bits.Flag(true);
         WriteHrd(bits, 0);

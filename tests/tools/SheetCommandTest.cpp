@@ -1,0 +1,104 @@
+#include "tools/zanthe/SheetCommand.h"
+
+#include <sstream>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "tests/support/PngPicture.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ScriptedVideo.h"
+#include "tools/zanthe/CommandError.h"
+#include "tools/zanthe/SheetLayout.h"
+
+using Program::SheetLayout;
+using Program::SheetRequest;
+using Program::WriteSheet;
+
+namespace {
+
+SheetRequest Request(const TemporaryFolder& folder) {
+    SheetRequest request;
+    request.file = "clip \xFF.mp4";
+    request.columns = 2;
+    request.rows = 2;
+    request.output = folder / "sheet.png";
+    return request;
+}
+
+int BlueAt(const PngPicture& picture, int x, int y) {
+    return picture.bits[static_cast<std::size_t>(y * picture.width + x) * 4];
+}
+
+// Whether anything in the area differs from the pixel at its top left.
+bool ShowsSomething(const PngPicture& picture, const Program::Rect& area) {
+    for (int y = area.y; y < area.y + area.height; ++y) {
+        for (int x = area.x; x < area.x + area.width; ++x) {
+            if (BlueAt(picture, x, y) != BlueAt(picture, area.x, area.y)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+TEST(WriteSheet, EveryCellHasItsPictureAndItsTime) {
+    TemporaryFolder folder;
+    std::vector<std::int64_t> starts;
+    for (int i = 0; i < 200; ++i) {
+        starts.push_back(i * 100'000);
+    }
+    ScriptedVideo video(starts, 20'000'000);
+    video.facts.duration = 20'000'000;
+    const SheetRequest request = Request(folder);
+    std::ostringstream out;
+    WriteSheet(video, request, out);
+    const PngPicture sheet = ReadPng(request.output);
+    const SheetLayout layout = Program::LayOutSheet({16, 8}, 2, 2);
+    EXPECT_EQ(sheet.width, layout.sheet.width);
+    EXPECT_EQ(sheet.height, layout.sheet.height);
+    for (std::size_t i = 0; i < 4; ++i) {
+        const auto& cell = layout.cells[i];
+        // The middles of four shares of 200 pictures; each picture's colour is its number and one.
+        EXPECT_EQ(BlueAt(sheet, cell.picture.x + 8, cell.picture.y + 4),
+                  25 + 50 * static_cast<int>(i) + 1);
+        EXPECT_TRUE(ShowsSomething(sheet, cell.caption)) << i;
+    }
+    EXPECT_TRUE(ShowsSomething(sheet, layout.title));
+    EXPECT_EQ(out.str().substr(request.output.size()),
+              ": 216 x 116, 4 pictures from 0:00:00.250 to 0:00:01.750\n");
+}
+
+TEST(WriteSheet, TheCellsHaveTheShapeThatIsShown) {
+    TemporaryFolder folder;
+    ScriptedVideo video({0}, 10'000'000);
+    video.facts.rotation = 90;
+    video.facts.aspectNumerator = 10;
+    const SheetRequest request = Request(folder);
+    std::ostringstream out;
+    WriteSheet(video, request, out);
+    EXPECT_EQ(ReadPng(request.output).height, Program::LayOutSheet({8, 160}, 2, 2).sheet.height);
+}
+
+TEST(WriteSheet, AVideoWithoutADurationIsMeasured) {
+    TemporaryFolder folder;
+    ScriptedVideo video({0, 5'000'000}, 10'000'000, false);
+    SheetRequest request = Request(folder);
+    request.json = true;
+    std::ostringstream out;
+    WriteSheet(video, request, out);
+    const auto json = nlohmann::json::parse(out.str());
+    EXPECT_EQ(json["pictures"].size(), 4U);
+    EXPECT_NEAR(json["pictures"][3]["asked_100ns"].get<double>(), 8'750'000, 100'000);
+    EXPECT_EQ(json["pictures"][3]["shown"], true);
+}
+
+TEST(WriteSheet, AVideoWithoutPicturesIsRefused) {
+    TemporaryFolder folder;
+    ScriptedVideo video({}, 0);
+    std::ostringstream out;
+    EXPECT_THROW(WriteSheet(video, Request(folder), out), Program::CommandError);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
+}

@@ -1,0 +1,38 @@
+#include "tools/zanthe/DecoderVideo.h"
+
+#include <cmath>
+#include <utility>
+
+#include "tools/zanthe/TimeText.h"
+#include "zanthe/core/BitmapVideoSample.h"
+
+namespace Program {
+
+DecoderVideo::DecoderVideo(std::unique_ptr<Zanthe::VideoDecoderToVideoSampleReader> reader,
+                           const VideoFacts& facts)
+    : m_reader(std::move(reader))
+    , m_facts(facts)
+    , m_bitmap(std::make_shared<Zanthe::Bitmap>(m_reader->outputWidth(), m_reader->outputHeight(),
+                                                facts.alpha == Alpha::Premultiplied)) {
+    m_facts.width = m_reader->outputWidth();
+    m_facts.height = m_reader->outputHeight();
+    m_facts.tellsTimes = false;
+    m_bitmap->ZeroOutBits();
+}
+
+std::optional<Picture> DecoderVideo::At(const Zanthe::MediaTime& time) {
+    const double before = m_actualTime;
+    const bool served =
+        m_reader->internalVideoDecoder()->readFrame(time, m_bitmap->GetBits(), m_actualTime);
+    // Decoders of recordings always claim to have served, but then leave no time behind.
+    if (!served || (before >= 0 && m_actualTime < 0)) {
+        return std::nullopt;
+    }
+    Picture picture{.sample = std::make_unique<Zanthe::BitmapVideoSample>(m_bitmap)};
+    if (m_actualTime >= 0 && m_actualTime < 1e9) {
+        picture.start = std::llround(m_actualTime * static_cast<double>(UnitsPerSecond));
+    }
+    return picture;
+}
+
+} // namespace Program

@@ -1,0 +1,161 @@
+#include "tools/zanthe/FrameCommand.h"
+
+#include <filesystem>
+#include <optional>
+#include <sstream>
+
+#include "tools/zanthe/CommandError.h"
+#include "tools/zanthe/DisplayPicture.h"
+#include "tools/zanthe/InputFile.h"
+#include "tools/zanthe/Interrupt.h"
+#include "tools/zanthe/OutputFile.h"
+#include "tools/zanthe/PictureFile.h"
+#include "tools/zanthe/TimeText.h"
+#include "tools/zanthe/VideoJson.h"
+#include "zanthe/analysis/FileClassification.h"
+
+namespace Program {
+
+namespace {
+
+// What is told of a picture when it is written.
+struct Written {
+    Zanthe::MediaTime asked;
+    std::string output;
+    Size size; // as written
+    std::optional<std::int64_t> start;
+    std::optional<std::int64_t> duration;
+    std::optional<std::uint32_t> matrix;
+    std::optional<std::uint32_t> range;
+    bool onDevice = false;
+    std::vector<std::string> operations;
+};
+
+BitmapPtr PixelsOf(const Picture& picture, const FrameRequest& request, const VideoFacts& facts) {
+    const LockedPixels pixels(*picture.sample);
+    return request.asStored ? AsStored(pixels, facts) : AsShown(pixels, facts);
+}
+
+Written WriteOne(IVideo& video, const FrameRequest& request, const Zanthe::MediaTime& time,
+                 const OutputFile& file, const std::string& name) {
+    const std::optional<Picture> picture = video.At(time);
+    if (!picture) {
+        throw CommandError(request.file, "has no picture at " + FractionText(time) + " s");
+    }
+    const BitmapPtr bitmap = PixelsOf(*picture, request, video.Facts());
+    if (request.png.empty()) {
+        SaveRaw(*bitmap, file.TemporaryPath(), name);
+    } else {
+        SavePng(*bitmap, file.TemporaryPath(), name);
+    }
+    return {.asked = time,
+            .output = name,
+            .size = {bitmap->GetWidth(), bitmap->GetHeight()},
+            .start = picture->start,
+            .duration = picture->duration,
+            .matrix = picture->matrix,
+            .range = picture->range,
+            .onDevice =
+                picture->sample->videoSampleFormat() == Zanthe::VideoSampleFormat::GraphicsDevice,
+            .operations = video.Operations()};
+}
+
+Json JsonOf(const Written& written) {
+    return {{"asked", FractionText(written.asked)},
+            {"asked_seconds", Zanthe::MediaTimeToSeconds(written.asked)},
+            {"time_100ns", JsonOrNull(written.start)},
+            {"duration_100ns", JsonOrNull(written.duration)},
+            {"width", written.size.width},
+            {"height", written.size.height},
+            {"matrix", JsonOrNull(written.matrix)},
+            {"range", JsonOrNull(written.range)},
+            {"memory", written.onDevice ? "device" : "system"},
+            {"operations", written.operations},
+            {"output", written.output}};
+}
+
+void PrintJson(const FrameRequest& request, const VideoFacts& facts,
+               const std::vector<Written>& all, std::ostream& out) {
+    Json frames = Json::array();
+    for (const Written& written : all) {
+        frames.push_back(JsonOf(written));
+    }
+    PrintJsonLine({{"command", "frame"},
+                   {"file", request.file},
+                   {"stream", request.choice.stream},
+                   {"format", static_cast<int>(request.choice.format)},
+                   {"video", JsonOf(facts)},
+                   {"as_stored", request.asStored},
+                   {"output_format", request.png.empty() ? "bgra" : "png"},
+                   {"frames", std::move(frames)}},
+                  out);
+}
+
+void PrintLine(const Written& written, std::ostream& out) {
+    std::ostringstream line;
+    line << written.output << ": " << written.size.width << " x " << written.size.height
+         << ", asked for " << FractionText(written.asked) << " s";
+    if (written.start) {
+        line << ", shown from " << ClockText(*written.start);
+    }
+    if (written.duration) {
+        line << " for " << static_cast<double>(*written.duration) / 10'000 << " ms";
+    }
+    out << OneLine(line.str()) << '\n';
+}
+
+void Print(const FrameRequest& request, const VideoFacts& facts, const std::vector<Written>& all,
+           std::ostream& out) {
+    if (request.json) {
+        PrintJson(request, facts, all, out);
+        return;
+    }
+    for (const Written& written : all) {
+        PrintLine(written, out);
+    }
+}
+
+} // namespace
+
+std::string NumberedName(const std::string& output, std::size_t index, std::size_t count) {
+    if (count == 1) {
+        return output;
+    }
+    const std::filesystem::path path(output);
+    const std::size_t width = std::to_string(count).size();
+    std::string number = std::to_string(index + 1);
+    number.insert(0, width - number.size(), '0');
+    std::filesystem::path name = path.stem();
+    name += "-" + number;
+    name += path.extension();
+    return (path.parent_path() / name).string();
+}
+
+void WriteFrames(IVideo& video, const FrameRequest& request, std::ostream& out) {
+    const std::string& output = request.Output();
+    const bool toStandardOutput = OutputFile::IsStandardOutput(output);
+    if (toStandardOutput && request.times.size() > 1) {
+        throw CommandError(output, "takes one picture only");
+    }
+    std::vector<std::unique_ptr<OutputFile>> files;
+    std::vector<Written> written;
+    for (std::size_t i = 0; i < request.times.size(); ++i) {
+        ThrowIfInterrupted();
+        const std::string name = NumberedName(output, i, request.times.size());
+        RequireOtherFile(Zanthe::ContainerPathOf(request.file), name);
+        files.push_back(std::make_unique<OutputFile>(name));
+        written.push_back(WriteOne(video, request, request.times[i], *files.back(), name));
+    }
+    ThrowIfInterrupted();
+    for (const auto& file : files) {
+        file->Commit();
+    }
+    Print(request, video.Facts(), written, ReportStream(output, out));
+}
+
+void RunFrame(const FrameRequest& request, std::ostream& out) {
+    const std::unique_ptr<IVideo> video = OpenVideo(request.file, request.choice);
+    WriteFrames(*video, request, out);
+}
+
+} // namespace Program

@@ -1,0 +1,28 @@
+// The one place of the program that knows which reader a file's pictures are read with.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "tools/zanthe/IVideo.h"
+#include "zanthe/core/DecoderOutputFormat.h"
+#include "zanthe/core/VideoSampleReader.h"
+
+namespace Program {
+
+struct VideoChoice {
+    int stream = 0; // number of the video stream, where the reader looks at it
+    Zanthe::DecoderOutputFormat format = Zanthe::DecoderOutputFormat::DeviceArgb32;
+};
+
+// The pictures of the file at `path`, which may name a member of a recording behind a "!".
+//
+// Throws CommandError when the file cannot be read (see InputFile.h), or "no reader for its
+// pictures: " and the reason when the library has none for it or its reader refuses it.
+std::unique_ptr<IVideo> OpenVideo(const std::string& path, const VideoChoice& choice);
+
+// The same over a reader that is open.
+std::unique_ptr<IVideo> VideoOver(std::unique_ptr<Zanthe::VideoSampleReader> reader,
+                                  const VideoFacts& facts);
+
+} // namespace Program

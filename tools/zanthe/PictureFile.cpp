@@ -1,0 +1,37 @@
+#include "tools/zanthe/PictureFile.h"
+
+#include <fstream>
+#include <stdexcept>
+
+#include "tools/zanthe/CommandError.h"
+
+namespace Program {
+
+namespace {
+
+[[noreturn]] void Refuse(const std::string& name) {
+    throw CommandError(name, "could not be written whole");
+}
+
+} // namespace
+
+void SavePng(const Zanthe::Bitmap& bitmap, const std::string& path, const std::string& name) {
+    try {
+        bitmap.SavePNG(path);
+    } catch (const std::runtime_error&) {
+        // Its text names the passing file, which means nothing to whoever asked for another.
+        Refuse(name);
+    }
+}
+
+void SaveRaw(const Zanthe::Bitmap& bitmap, const std::string& path, const std::string& name) {
+    std::ofstream stream(path, std::ios::binary);
+    stream.write(reinterpret_cast<const char*>(bitmap.GetBits()),
+                 std::streamsize{bitmap.GetStride()} * bitmap.GetHeight());
+    stream.close();
+    if (!stream) {
+        Refuse(name);
+    }
+}
+
+} // namespace Program

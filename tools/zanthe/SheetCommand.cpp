@@ -1,0 +1,139 @@
+#include "tools/zanthe/SheetCommand.h"
+
+#include <filesystem>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "tools/zanthe/CommandError.h"
+#include "tools/zanthe/DisplayPicture.h"
+#include "tools/zanthe/InputFile.h"
+#include "tools/zanthe/Interrupt.h"
+#include "tools/zanthe/OutputFile.h"
+#include "tools/zanthe/PictureFile.h"
+#include "tools/zanthe/Progress.h"
+#include "tools/zanthe/SheetLayout.h"
+#include "tools/zanthe/TimeText.h"
+#include "tools/zanthe/VideoJson.h"
+#include "tools/zanthe/VideoTimeline.h"
+#include "zanthe/analysis/FileClassification.h"
+
+namespace Program {
+
+namespace {
+
+constexpr Colour Ground{0.11, 0.11, 0.12};
+constexpr Colour Empty{0.18, 0.18, 0.20};
+constexpr Colour Bright{0.93, 0.93, 0.93};
+constexpr Colour Dim{0.68, 0.68, 0.70};
+constexpr double TitleLetters = 16; // pixels
+constexpr double CaptionLetters = 13;
+
+struct SheetPicture {
+    std::int64_t asked = 0; // 100 ns
+    std::optional<std::int64_t> start = {};
+    bool shown = false; // there was one
+};
+
+std::string TitleOf(const SheetRequest& request, const VideoFacts& facts, std::int64_t duration) {
+    const Size shown = DisplaySize(facts);
+    const std::string name = std::filesystem::path(request.file).filename().string();
+    return OneLine(name) + "   " + std::to_string(shown.width) + " x " +
+           std::to_string(shown.height) + "   " + ClockText(duration);
+}
+
+// A file's name may hold bytes that are no UTF-8, at which cairo would refuse all further work.
+std::string Drawable(const std::string& text) {
+    const std::string quoted = Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
+    return Json::parse(quoted).get<std::string>();
+}
+
+SheetPicture DrawCell(Canvas& canvas, IVideo& video, const SheetCell& cell, std::int64_t time) {
+    SheetPicture shown{.asked = time};
+    if (const std::optional<Picture> picture = video.At(TimeOfUnits(time))) {
+        canvas.DrawPicture(*AsShown(LockedPixels(*picture->sample), video.Facts()), cell.picture);
+        shown.start = picture->start;
+        shown.shown = true;
+    } else {
+        canvas.FillArea(cell.picture, Empty);
+    }
+    canvas.DrawText(ClockText(shown.start.value_or(time)), cell.caption, Canvas::Align::Left,
+                    CaptionLetters, Dim);
+    return shown;
+}
+
+Json JsonOf(const SheetPicture& picture) {
+    return {{"asked_100ns", picture.asked},
+            {"time_100ns", JsonOrNull(picture.start)},
+            {"shown", picture.shown}};
+}
+
+void Print(const SheetRequest& request, const VideoFacts& facts, const SheetLayout& layout,
+           const std::vector<SheetPicture>& pictures, std::ostream& out) {
+    if (!request.json) {
+        out << OneLine(request.output) << ": " << layout.sheet.width << " x " << layout.sheet.height
+            << ", " << pictures.size() << " pictures from " << ClockText(pictures.front().asked)
+            << " to " << ClockText(pictures.back().asked) << '\n';
+        return;
+    }
+    Json cells = Json::array();
+    for (const SheetPicture& picture : pictures) {
+        cells.push_back(JsonOf(picture));
+    }
+    PrintJsonLine({{"command", "sheet"},
+                   {"file", request.file},
+                   {"video", JsonOf(facts)},
+                   {"columns", request.columns},
+                   {"rows", request.rows},
+                   {"width", layout.sheet.width},
+                   {"height", layout.sheet.height},
+                   {"pictures", std::move(cells)},
+                   {"output", request.output}},
+                  out);
+}
+
+std::int64_t DurationOf(IVideo& video) {
+    const auto told = video.Facts().duration;
+    if (told && *told > 0) {
+        return *told;
+    }
+    return FindEnd(video, [](std::int64_t) { ThrowIfInterrupted(); });
+}
+
+} // namespace
+
+void WriteSheet(IVideo& video, const SheetRequest& request, std::ostream& out) {
+    const VideoFacts& facts = video.Facts();
+    const std::int64_t duration = DurationOf(video);
+    if (duration <= 0 || facts.width <= 0 || facts.height <= 0) {
+        throw CommandError(request.file, "holds no pictures");
+    }
+    OutputFile output(request.output);
+    const SheetLayout layout = LayOutSheet(DisplaySize(facts), request.columns, request.rows);
+    Canvas canvas(layout.sheet, Ground);
+    canvas.DrawText(Drawable(TitleOf(request, facts, duration)), layout.title, Canvas::Align::Left,
+                    TitleLetters, Bright);
+    std::vector<SheetPicture> pictures;
+    const std::vector<std::int64_t> times = SheetTimes(duration, layout.cells.size());
+    {
+        StandardProgress progress;
+        for (std::size_t i = 0; i < times.size(); ++i) {
+            ThrowIfInterrupted();
+            progress.Show("picture " + std::to_string(i + 1) + " of " +
+                          std::to_string(times.size()));
+            pictures.push_back(DrawCell(canvas, video, layout.cells[i], times[i]));
+        }
+    }
+    SavePng(*canvas.ToBitmap(), output.TemporaryPath(), request.output);
+    ThrowIfInterrupted();
+    output.Commit();
+    Print(request, facts, layout, pictures, ReportStream(request.output, out));
+}
+
+void RunSheet(const SheetRequest& request, std::ostream& out) {
+    const std::unique_ptr<IVideo> video = OpenVideo(request.file, request.choice);
+    RequireOtherFile(Zanthe::ContainerPathOf(request.file), request.output);
+    WriteSheet(*video, request, out);
+}
+
+} // namespace Program

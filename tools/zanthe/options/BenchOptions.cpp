@@ -1,0 +1,37 @@
+#include <limits>
+
+#include "tools/zanthe/options/CommonOptions.h"
+#include "tools/zanthe/options/Options.h"
+
+namespace Program {
+
+namespace {
+
+void AddCount(CLI::App& command, const std::string& name, int& count, const std::string& text) {
+    command.add_option(name, count, text)
+        ->type_name("N")
+        ->transform(WholeNumber(1, 1'000'000))
+        ->capture_default_str();
+}
+
+} // namespace
+
+void Declare(CLI::App& command, BenchRequest& request) {
+    AddFile(command, request.file,
+            "The file to read; a \"!\" and a member's name behind it choose a stream of a "
+            "recording");
+    AddCount(command, "--openings", request.plan.openings, "How often the file is opened");
+    AddCount(command, "--sequential", request.plan.sequential,
+             "Pictures to read from the start on");
+    AddCount(command, "--random", request.plan.random, "Pictures to read at random times");
+    AddCount(command, "--backward", request.plan.backward, "Pictures to read one before the other");
+    AddCount(command, "--scrubs", request.plan.scrubs, "Pictures to read to and fro");
+    command.add_option("--seed", request.plan.seed, "What the random times follow from")
+        ->type_name("S")
+        ->transform(WholeNumber(0, std::numeric_limits<std::uint64_t>::max()))
+        ->capture_default_str();
+    AddStreamAndFormat(command, request.choice);
+    AddJson(command, request.json);
+}
+
+} // namespace Program

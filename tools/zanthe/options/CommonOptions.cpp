@@ -1,0 +1,56 @@
+#include "tools/zanthe/options/CommonOptions.h"
+
+#include <charconv>
+#include <limits>
+
+namespace Program {
+
+WholeNumber::WholeNumber(std::uint64_t low, std::uint64_t high) {
+    const std::string range = std::to_string(low) + " to " + std::to_string(high);
+    func_ = [=](std::string& text) -> std::string {
+        std::uint64_t number = 0;
+        const char* end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data(), end, number);
+        if (error != std::errc() || stop != end || number < low || number > high) {
+            return text + " is no whole number from " + range;
+        }
+        text = std::to_string(number);
+        return {};
+    };
+}
+
+void AddFile(CLI::App& command, std::string& file, const std::string& text) {
+    command.add_option("FILE", file, text)->required()->type_name("");
+}
+
+void AddJson(CLI::App& command, bool& json) {
+    command.add_flag("--json", json, "Print one JSON object instead of text");
+}
+
+void AddRate(CLI::App& command, int& rate) {
+    command.add_option("--rate", rate, "Sample rate of the sound read, in Hz, 1000 to 768000")
+        ->type_name("HZ")
+        ->transform(WholeNumber(1000, 768000))
+        ->capture_default_str();
+}
+
+void AddStreamAndFormat(CLI::App& command, VideoChoice& choice) {
+    command
+        .add_option("--stream", choice.stream,
+                    "Number of the video stream, counted from 0, for files whose reader can choose")
+        ->type_name("N")
+        ->transform(WholeNumber(0, std::numeric_limits<int>::max()))
+        ->capture_default_str();
+    command
+        .add_option_function<int>(
+            "--format",
+            [&choice](int format) {
+                choice.format = static_cast<Zanthe::DecoderOutputFormat>(format);
+            },
+            "How pictures are decoded: 0 on the graphics device if one is granted, 1 in memory, 2 "
+            "in memory as NV12 that is converted picture by picture (default: 0)")
+        ->type_name("0|1|2")
+        ->transform(WholeNumber(0, 2));
+}
+
+} // namespace Program

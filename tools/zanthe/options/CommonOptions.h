@@ -1,0 +1,27 @@
+// What several commands spell the same way.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "tools/zanthe/OpenVideo.h"
+
+namespace Program {
+
+// A decimal number in [low, high]. CLI11 alone would read 010 as eight and take what is too large
+// for the largest there is.
+class WholeNumber : public CLI::Validator {
+public:
+    WholeNumber(std::uint64_t low, std::uint64_t high);
+};
+
+inline constexpr std::uint64_t MaxReads = 1'000'000'000;
+
+void AddFile(CLI::App& command, std::string& file, const std::string& text);
+void AddJson(CLI::App& command, bool& json);
+void AddRate(CLI::App& command, int& rate);
+void AddStreamAndFormat(CLI::App& command, VideoChoice& choice);
+
+} // namespace Program

@@ -1,0 +1,29 @@
+#include "tools/zanthe/options/CommonOptions.h"
+#include "tools/zanthe/options/Options.h"
+
+namespace Program {
+
+void Declare(CLI::App& command, SheetRequest& request) {
+    constexpr int most = 20;
+    AddFile(command, request.file,
+            "The file to read; a \"!\" and a member's name behind it choose a stream of a "
+            "recording");
+    command.add_option("--columns", request.columns, "Pictures in a row, 1 to 20")
+        ->type_name("N")
+        ->transform(WholeNumber(1, most))
+        ->capture_default_str();
+    command.add_option("--rows", request.rows, "Rows, 1 to 20")
+        ->type_name("N")
+        ->transform(WholeNumber(1, most))
+        ->capture_default_str();
+    AddStreamAndFormat(command, request.choice);
+    command
+        .add_option("-o,--output", request.output,
+                    "The PNG file to write; one that is there is replaced at the end; - is "
+                    "standard output")
+        ->type_name("OUT.png")
+        ->required();
+    AddJson(command, request.json);
+}
+
+} // namespace Program
