@@ -10,6 +10,8 @@ add_library(libyuv UNKNOWN IMPORTED)
 set_target_properties(libyuv PROPERTIES
     IMPORTED_LOCATION ${LIBYUV_LIBRARY} INTERFACE_INCLUDE_DIRECTORIES ${LIBYUV_INCLUDE})
 pkg_check_modules(LIBPNG REQUIRED IMPORTED_TARGET libpng)
+pkg_check_modules(PICTURES REQUIRED IMPORTED_TARGET vips>=8.13 cairo poppler-glib>=21.12)
+find_package(GIF 5.2 REQUIRED)
 # The program's alone.
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)

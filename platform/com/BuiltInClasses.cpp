@@ -5,6 +5,7 @@
 
 #include "platform/mf/ColorConverter.h"
 #include "platform/mf/Transform.h"
+#include "platform/wic/ImagingFactory.h"
 
 namespace com {
 
@@ -18,6 +19,7 @@ struct BuiltIn {
 // One table rather than objects that enter themselves: an archive's linker drops what nobody names.
 constexpr std::array kBuiltIns = {
     BuiltIn{CLSID_CColorConvertDMO, mf::CreateColorConverter},
+    BuiltIn{CLSID_WICImagingFactory, wic::CreateImagingFactory},
 };
 
 } // namespace

@@ -41,6 +41,8 @@ HRESULT PropVariantClear(PROPVARIANT* variant) {
         CoTaskMemFree(variant->pwszVal);
     } else if (variant->vt == VT_CLSID) {
         CoTaskMemFree(variant->puuid);
+    } else if (variant->vt == (VT_VECTOR | VT_UI1)) {
+        CoTaskMemFree(variant->caub.pElems);
     }
     PropVariantInit(variant);
     return S_OK;

@@ -10,11 +10,23 @@ enum VARENUM : VARTYPE {
     VT_I4 = 3,
     VT_R8 = 5,
     VT_BOOL = 11,
+    VT_UI1 = 17,
+    VT_UI2 = 18,
     VT_UI4 = 19,
     VT_I8 = 20,
     VT_UI8 = 21,
     VT_LPWSTR = 31,
     VT_CLSID = 72,
+    VT_VECTOR = 0x1000, // with another: a counted array of it
+};
+
+inline constexpr std::int16_t VARIANT_TRUE = -1;
+inline constexpr std::int16_t VARIANT_FALSE = 0;
+
+// Bytes of CoTaskMemAlloc.
+struct CAUB {
+    ULONG cElems;
+    BYTE* pElems;
 };
 
 // `vt` says which of the others holds.
@@ -25,6 +37,8 @@ struct tagPROPVARIANT { // NOLINT(readability-identifier-naming): settled
     WORD wReserved3;
 
     union {
+        BYTE bVal;            // VT_UI1
+        WORD uiVal;           // VT_UI2
         LONG lVal;            // VT_I4
         ULONG ulVal;          // VT_UI4
         std::int16_t boolVal; // VT_BOOL: -1 or 0
@@ -33,6 +47,7 @@ struct tagPROPVARIANT { // NOLINT(readability-identifier-naming): settled
         double dblVal;        // VT_R8
         LPWSTR pwszVal;       // VT_LPWSTR, owned, of CoTaskMemAlloc
         GUID* puuid;          // VT_CLSID, owned, of CoTaskMemAlloc
+        CAUB caub;            // VT_VECTOR | VT_UI1, owned
     };
 };
 

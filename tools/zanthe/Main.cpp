@@ -101,6 +101,8 @@ void AddAll(Commands& commands) {
     commands.Add("classify", "Tell what a file is taken for and which backends would serve it",
                  Program::RunClassify);
     commands.Add("frame", "Write the pictures shown at given times", Program::RunFrame);
+    commands.Add("image", "Write a still picture, or a page of a PDF document, as a PNG file",
+                 Program::RunImage);
     commands.Add("sheet", "Write a contact sheet of a file's pictures", Program::RunSheet);
     commands.Add("verify", "Read a file from start to end, then in every other order, and compare",
                  Program::RunVerify);

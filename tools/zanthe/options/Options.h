@@ -8,6 +8,7 @@
 #include "tools/zanthe/BenchCommand.h"
 #include "tools/zanthe/ClassifyCommand.h"
 #include "tools/zanthe/FrameCommand.h"
+#include "tools/zanthe/ImageCommand.h"
 #include "tools/zanthe/SheetCommand.h"
 #include "tools/zanthe/VerifyCommand.h"
 
@@ -17,6 +18,7 @@ void Declare(CLI::App& command, AudioRequest& request);
 void Declare(CLI::App& command, BenchRequest& request);
 void Declare(CLI::App& command, ClassifyRequest& request);
 void Declare(CLI::App& command, FrameRequest& request);
+void Declare(CLI::App& command, ImageRequest& request);
 void Declare(CLI::App& command, SheetRequest& request);
 void Declare(CLI::App& command, VerifyRequest& request);
 

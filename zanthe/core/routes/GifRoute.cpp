@@ -1,12 +1,13 @@
-#include <stdexcept>
-
+#include "platform/win32/Text.h"
 #include "zanthe/core/routes/DecoderRoutes.h"
+#include "zanthe/images/WICAnimatedGIFLoader.h"
+#include "zanthe/images/WICAnimatedGIFVideoDecoder.h"
 
 namespace Zanthe {
 
-// There is no reader of GIF files in this build.
-std::unique_ptr<VideoDecoder> DecoderRoutes::CreateGif(const std::string&) const {
-    throw std::runtime_error("Can't create WICAnimatedGIFReader");
+std::unique_ptr<VideoDecoder> DecoderRoutes::CreateGif(const std::string& path) const {
+    return std::make_unique<WICAnimatedGIFVideoDecoder>(
+        path, std::make_unique<WICAnimatedGIFLoader>(win32::Utf8ToWide(path)));
 }
 
 } // namespace Zanthe

@@ -1,0 +1,28 @@
+#include "platform/wic/VipsHandles.h"
+
+namespace wic {
+
+namespace {
+
+void SayNothing(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
+
+bool Start() {
+    // A library in somebody's process: damaged files are told by results, not on stderr.
+    g_log_set_handler("VIPS", static_cast<GLogLevelFlags>(G_LOG_LEVEL_WARNING), SayNothing,
+                      nullptr);
+    if (VIPS_INIT("zanthe") != 0) {
+        vips_error_clear();
+        return false;
+    }
+    vips_block_untrusted_set(TRUE);
+    return true;
+}
+
+} // namespace
+
+bool StartVips() {
+    static const bool started = Start();
+    return started;
+}
+
+} // namespace wic

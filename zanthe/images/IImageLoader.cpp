@@ -1,0 +1,7 @@
+#include "zanthe/images/IImageLoader.h"
+
+namespace Zanthe {
+
+IImageLoader::~IImageLoader() = default;
+
+} // namespace Zanthe
