@@ -2,7 +2,13 @@
 find_package(PkgConfig REQUIRED)
 find_package(Boost 1.74 REQUIRED)
 pkg_check_modules(LIBAV REQUIRED IMPORTED_TARGET
-    libavformat>=59 libavcodec>=59 libavutil>=57 libswresample>=4)
+    libavformat>=59 libavcodec>=59 libavutil>=57 libswresample>=4 libswscale>=6)
+# libyuv comes without a pkg-config file.
+find_library(LIBYUV_LIBRARY yuv REQUIRED)
+find_path(LIBYUV_INCLUDE libyuv.h REQUIRED)
+add_library(libyuv UNKNOWN IMPORTED)
+set_target_properties(libyuv PROPERTIES
+    IMPORTED_LOCATION ${LIBYUV_LIBRARY} INTERFACE_INCLUDE_DIRECTORIES ${LIBYUV_INCLUDE})
 pkg_check_modules(LIBPNG REQUIRED IMPORTED_TARGET libpng)
 # The program's alone.
 find_package(CLI11 REQUIRED)

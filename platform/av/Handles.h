@@ -9,9 +9,12 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
+#include <libavcodec/bsf.h>
 #include <libavformat/avformat.h>
+#include <libavutil/buffer.h>
 #include <libavutil/dict.h>
 #include <libswresample/swresample.h>
+#include <libswscale/swscale.h>
 }
 
 namespace av {
@@ -25,6 +28,15 @@ struct FreeThrough {
     }
 };
 
+// For functions of the form `void free(T* object)`.
+template <auto Free>
+struct FreeDirectly {
+    template <typename T>
+    void operator()(T* object) const {
+        Free(object);
+    }
+};
+
 // avformat_close_input gives back the open file and what the demuxer allocated, then the context;
 // avformat_free_context alone would keep both. It also serves a context that was never opened.
 using FormatContextPtr = std::unique_ptr<AVFormatContext, FreeThrough<avformat_close_input>>;
@@ -33,6 +45,9 @@ using CodecContextPtr = std::unique_ptr<AVCodecContext, FreeThrough<avcodec_free
 using FramePtr = std::unique_ptr<AVFrame, FreeThrough<av_frame_free>>;
 using PacketPtr = std::unique_ptr<AVPacket, FreeThrough<av_packet_free>>;
 using DictionaryPtr = std::unique_ptr<AVDictionary, FreeThrough<av_dict_free>>;
+using BitstreamFilterPtr = std::unique_ptr<AVBSFContext, FreeThrough<av_bsf_free>>;
+using BufferPtr = std::unique_ptr<AVBufferRef, FreeThrough<av_buffer_unref>>;
 using SwrContextPtr = std::unique_ptr<SwrContext, FreeThrough<swr_free>>;
+using SwsContextPtr = std::unique_ptr<SwsContext, FreeDirectly<sws_freeContext>>;
 
 } // namespace av

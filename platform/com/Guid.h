@@ -16,5 +16,11 @@ struct GUID {
 
 static_assert(sizeof(GUID) == 16, "files hold it as 16 bytes without a gap");
 
+using REFGUID = const GUID&;
+
+// None at all; where a time format is asked for, units of 100 ns.
+inline constexpr GUID GUID_NULL{};
+
 // A GUID that names a class.
 using CLSID = GUID;
+using REFCLSID = const CLSID&;

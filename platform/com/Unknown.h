@@ -5,10 +5,8 @@
 #pragma once
 
 #include "platform/com/Guid.h"
+#include "platform/com/Result.h"
 #include "platform/win32/Types.h"
-
-// A result, tested by its sign alone: negative is a failure.
-using HRESULT = std::int32_t;
 
 // A GUID that names an interface.
 using IID = GUID;

@@ -1,7 +1,9 @@
-// A graphics device that several share. Stands for IMFDXGIDeviceManager of mfobjects.h.
+// A graphics device that several share. Stands for IMFDXGIDeviceManager of mfobjects.h and
+// MFCreateDXGIDeviceManager of mfapi.h.
 #pragma once
 
 #include "platform/com/Unknown.h"
+#include "platform/win32/Export.h"
 #include "platform/win32/Handle.h"
 
 inline constexpr IID IID_IMFDXGIDeviceManager = {
@@ -34,3 +36,6 @@ struct IMFDXGIDeviceManager : IUnknown {
 protected:
     ~IMFDXGIDeviceManager() = default;
 };
+
+// *manager: one without a device; *resetToken: what its ResetDevice asks for.
+PLATFORM_API HRESULT MFCreateDXGIDeviceManager(UINT* resetToken, IMFDXGIDeviceManager** manager);

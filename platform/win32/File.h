@@ -9,21 +9,9 @@
 // position. Any number of handles may be open on one file.
 #pragma once
 
-#include <cstdint>
-
 #include "platform/win32/Handle.h"
 #include "platform/win32/Types.h"
 
-union LARGE_INTEGER {
-    struct {
-        DWORD LowPart;
-        LONG HighPart;
-    } u;
-
-    std::int64_t QuadPart;
-};
-
-using PLARGE_INTEGER = LARGE_INTEGER*;
 using LPSECURITY_ATTRIBUTES = struct SECURITY_ATTRIBUTES*;
 using LPOVERLAPPED = struct OVERLAPPED*;
 

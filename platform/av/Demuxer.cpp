@@ -1,0 +1,142 @@
+#include "platform/av/Demuxer.h"
+
+#include <utility>
+
+#include "platform/av/OpenInput.h"
+#include "platform/av/StreamFacts.h"
+
+namespace av {
+
+namespace {
+
+// The index of the `ordinal`th video stream that is no attached picture, or -1.
+int FindStream(const AVFormatContext& format, int ordinal) {
+    for (unsigned int i = 0; i < format.nb_streams; ++i) {
+        const AVStream& stream = *format.streams[i];
+        if (KindOf(stream) == TrackKind::Video && !IsCover(stream) && ordinal-- == 0) {
+            return static_cast<int>(i);
+        }
+    }
+    return -1;
+}
+
+void DiscardOthers(AVFormatContext& format, int kept) {
+    for (unsigned int i = 0; i < format.nb_streams; ++i) {
+        format.streams[i]->discard =
+            static_cast<int>(i) == kept ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+    }
+}
+
+bool HasSideData(const AVPacket& packet, AVPacketSideDataType type) {
+    return av_packet_get_side_data(&packet, type, nullptr) != nullptr;
+}
+
+} // namespace
+
+std::unique_ptr<Demuxer> Demuxer::Open(const std::string& path, int ordinal) {
+    std::unique_ptr<Demuxer> demuxer(new Demuxer(path, ordinal));
+    if (!demuxer->Reopen()) {
+        return nullptr;
+    }
+    if (demuxer->ReadFromFile(*demuxer->m_pending)) {
+        const AVPacket& first = *demuxer->m_pending;
+        if (demuxer->IsEncrypted(first)) {
+            return nullptr;
+        }
+        demuxer->m_first = MarkOf(first);
+        demuxer->m_hasTimes = first.dts != AV_NOPTS_VALUE || first.pts != AV_NOPTS_VALUE;
+    }
+    return demuxer;
+}
+
+bool Demuxer::Reopen() {
+    m_pending.reset(av_packet_alloc());
+    m_format.reset(avformat_alloc_context());
+    if (m_pending == nullptr || OpenInput(m_format, m_path) < 0 ||
+        avformat_find_stream_info(m_format.get(), nullptr) < 0) {
+        return false;
+    }
+    m_stream = FindStream(*m_format, m_ordinal);
+    if (m_stream < 0) {
+        return false;
+    }
+    DiscardOthers(*m_format, m_stream);
+    return true;
+}
+
+// Decoding "works" on what is encrypted, and gives noise.
+bool Demuxer::IsEncrypted(const AVPacket& first) const {
+    const std::uint32_t tag = Stream().codecpar->codec_tag;
+    return tag == MKTAG('e', 'n', 'c', 'v') || tag == MKTAG('d', 'r', 'm', 'i') ||
+           HasSideData(first, AV_PKT_DATA_ENCRYPTION_INFO) ||
+           av_stream_get_side_data(&Stream(), AV_PKT_DATA_ENCRYPTION_INIT_INFO, nullptr) != nullptr;
+}
+
+bool Demuxer::Read(AVPacket& packet) {
+    if (m_pending->data != nullptr) {
+        av_packet_move_ref(&packet, m_pending.get());
+        return true;
+    }
+    return ReadFromFile(packet);
+}
+
+// An error in the middle costs the packets it hits; a file that gives nothing but errors has ended.
+bool Demuxer::ReadFromFile(AVPacket& packet) {
+    constexpr int kMostErrors = 100;
+    for (int errors = 0; errors < kMostErrors;) {
+        av_packet_unref(&packet);
+        const int result = av_read_frame(m_format.get(), &packet);
+        if (result == AVERROR_EOF) {
+            return false;
+        }
+        if (result < 0) {
+            ++errors;
+        } else if (packet.stream_index == m_stream && packet.size > 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool Demuxer::SeekBefore(std::int64_t dts) {
+    av_packet_unref(m_pending.get());
+    return av_seek_frame(m_format.get(), m_stream, dts, AVSEEK_FLAG_BACKWARD) >= 0;
+}
+
+bool Demuxer::Rewind() {
+    if (m_rewindsBySeeking && RewindBySeeking()) {
+        return true;
+    }
+    m_rewindsBySeeking = false;
+    return Reopen();
+}
+
+// Only formats with an index of their own give the first packets after a seek with the same times
+// as after opening; others compute them from what they have read.
+bool Demuxer::RewindBySeeking() {
+    const auto first = FirstDts();
+    return first && avformat_index_get_entries_count(&Stream()) > 0 &&
+           (m_format->iformat->flags & (AVFMT_GENERIC_INDEX | AVFMT_TS_DISCONT)) == 0 &&
+           SeekBefore(*first) && ReadFromFile(*m_pending) && IsFirst(*m_pending);
+}
+
+Demuxer::Mark Demuxer::MarkOf(const AVPacket& packet) {
+    return {packet.pts, packet.dts, packet.pos, packet.size};
+}
+
+bool Demuxer::IsFirst(const AVPacket& packet) const {
+    return MarkOf(packet) == m_first;
+}
+
+std::optional<std::int64_t> Demuxer::FirstDts() const {
+    return m_first.dts == AV_NOPTS_VALUE ? std::nullopt : std::optional(m_first.dts);
+}
+
+std::optional<std::int64_t> Demuxer::IndexedKeyBefore(std::int64_t dts) const {
+    AVStream* stream = m_format->streams[m_stream];
+    const AVIndexEntry* entry =
+        avformat_index_get_entry_from_timestamp(stream, dts, AVSEEK_FLAG_BACKWARD);
+    return entry == nullptr ? std::nullopt : std::optional(entry->timestamp);
+}
+
+} // namespace av

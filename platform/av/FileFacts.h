@@ -1,0 +1,36 @@
+// What streams of sound and video a file has.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/av/StreamFacts.h"
+#include "platform/av/VideoStream.h"
+
+namespace av {
+
+struct FileStream {
+    TrackKind kind = TrackKind::Other; // Video or Audio
+    int ordinal = 0;                   // among the file's streams of its kind
+    VideoFacts video;                  // of a video stream
+    int channels = 0;                  // of a sound stream, as are the next two
+    int sampleRate = 0;
+    int bitsPerSample = 0; // 0 where the codec has no such thing
+};
+
+struct FileFacts {
+    std::string container;     // FFmpeg's short name of it, or several with commas
+    std::int64_t duration = 0; // in 100 ns; 0: unknown
+    // In the order of the file; attached pictures are no streams.
+    std::vector<FileStream> streams;
+};
+
+// REQUIRES: avformat_find_stream_info has been through.
+FileFacts FactsOf(const AVFormatContext& format);
+
+// Of the file at `path` (UTF-8, a regular file); nothing where it cannot be opened.
+// Thread-safety: safe from any thread.
+std::optional<FileFacts> ReadFileFacts(const std::string& path);
+
+} // namespace av
