@@ -52,7 +52,12 @@ std::unique_ptr<Demuxer> Demuxer::Open(const std::string& path, int ordinal) {
 bool Demuxer::Reopen() {
     m_pending.reset(av_packet_alloc());
     m_format.reset(avformat_alloc_context());
-    if (m_pending == nullptr || OpenInput(m_format, m_path) < 0 ||
+    if (m_format != nullptr) {
+        // Where only decode times are stored, those of presentation follow from them and from
+        // which pictures others are predicted from.
+        m_format->flags |= AVFMT_FLAG_GENPTS;
+    }
+    if (m_pending == nullptr || m_format == nullptr || OpenInput(m_format, m_path) < 0 ||
         avformat_find_stream_info(m_format.get(), nullptr) < 0) {
         return false;
     }
@@ -73,6 +78,7 @@ bool Demuxer::IsEncrypted(const AVPacket& first) const {
 }
 
 bool Demuxer::Read(AVPacket& packet) {
+    m_atFirst = false;
     if (m_pending->data != nullptr) {
         av_packet_move_ref(&packet, m_pending.get());
         return true;
@@ -99,16 +105,23 @@ bool Demuxer::ReadFromFile(AVPacket& packet) {
 }
 
 bool Demuxer::SeekBefore(std::int64_t dts) {
+    m_atFirst = false;
     av_packet_unref(m_pending.get());
     return av_seek_frame(m_format.get(), m_stream, dts, AVSEEK_FLAG_BACKWARD) >= 0;
 }
 
 bool Demuxer::Rewind() {
-    if (m_rewindsBySeeking && RewindBySeeking()) {
+    if (m_atFirst) {
         return true;
     }
-    m_rewindsBySeeking = false;
-    return Reopen();
+    if (!m_rewindsBySeeking || !RewindBySeeking()) {
+        m_rewindsBySeeking = false;
+        if (!Reopen()) {
+            return false;
+        }
+    }
+    m_atFirst = true;
+    return true;
 }
 
 // Only formats with an index of their own give the first packets after a seek with the same times
@@ -130,6 +143,14 @@ bool Demuxer::IsFirst(const AVPacket& packet) const {
 
 std::optional<std::int64_t> Demuxer::FirstDts() const {
     return m_first.dts == AV_NOPTS_VALUE ? std::nullopt : std::optional(m_first.dts);
+}
+
+bool Demuxer::FollowsIndexedKey(std::int64_t dts) const {
+    AVStream* stream = m_format->streams[m_stream];
+    const int index =
+        av_index_search_timestamp(stream, dts, AVSEEK_FLAG_ANY | AVSEEK_FLAG_BACKWARD);
+    const AVIndexEntry* before = avformat_index_get_entry(stream, index - 1);
+    return before != nullptr && (before->flags & AVINDEX_KEYFRAME) != 0;
 }
 
 std::optional<std::int64_t> Demuxer::IndexedKeyBefore(std::int64_t dts) const {

@@ -28,7 +28,8 @@ public:
     // where it cannot; what is read next is then undefined until another seek succeeds.
     bool SeekBefore(std::int64_t dts);
 
-    // The next packet is the file's first again, exactly as after Open. False when even that fails.
+    // The next packet is the file's first again, exactly as after Open. Costs nothing where it is
+    // so already. False when even that fails.
     bool Rewind();
 
     // Whether a packet is the file's first.
@@ -40,6 +41,9 @@ public:
     // Whether its packets carry times of their own. Elementary streams do not: their times are
     // counted from the start.
     bool HasTimes() const { return m_hasTimes; }
+
+    // Whether the container's index has a key frame just before the packet decoded at `dts`.
+    bool FollowsIndexedKey(std::int64_t dts) const;
 
     // The decode time of the last key frame at or before `dts` that the container's index has by
     // now; empty where it has no index.
@@ -75,6 +79,7 @@ private:
     Mark m_first;
     bool m_hasTimes = true;
     bool m_rewindsBySeeking = true;
+    bool m_atFirst = true; // nothing has been read or moved
 };
 
 } // namespace av

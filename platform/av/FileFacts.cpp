@@ -11,7 +11,7 @@ FileStream DescribeSound(const AVStream& stream, int ordinal) {
     FileStream facts;
     facts.kind = TrackKind::Audio;
     facts.ordinal = ordinal;
-    facts.channels = stream.codecpar->channels;
+    facts.channels = stream.codecpar->ch_layout.nb_channels;
     facts.sampleRate = stream.codecpar->sample_rate;
     facts.bitsPerSample = stream.codecpar->bits_per_coded_sample;
     return facts;

@@ -36,7 +36,7 @@ FileVideoStream::FileVideoStream(std::unique_ptr<Demuxer> demuxer,
     , m_decoder(std::move(decoder))
     , m_feed(*m_demuxer)
     , m_run(m_feed, *m_decoder, m_demuxer->Stream())
-    , m_landing(*m_demuxer, m_feed, m_run.Clock())
+    , m_landing(*m_demuxer, m_feed, m_run.Clock(), m_demuxer->Stream().codecpar->video_delay)
     , m_facts(ReadVideoFacts(m_demuxer->Format(), m_demuxer->Stream()))
     , m_file(FactsOf(m_demuxer->Format()))
     , m_owner(PictureCache::NewOwner())
@@ -98,6 +98,9 @@ PicturePtr FileVideoStream::ReadOn(std::int64_t time, std::int64_t keepFrom) {
         if (!picture->OnDevice()) { // those come from a small pool
             PictureCache::Shared().Keep(m_owner, picture);
         }
+        if (const auto begin = m_run.StreamBegin()) {
+            m_begin = begin;
+        }
         if (!m_run.Position()) {
             m_end = picture->End();
         }
@@ -141,13 +144,17 @@ bool FileVideoStream::Land(std::int64_t time, std::int64_t keepFrom, bool decode
         m_gaveOut = true;
         return false;
     }
-    m_begin = m_run.Position();
     return true;
 }
 
 bool FileVideoStream::Begin(Landing::Place place, std::int64_t keepFrom, bool decodeAll) {
-    m_decoder->Flush();
-    m_run.Begin(place == Landing::Place::Start);
+    const bool fromStart = place == Landing::Place::Start;
+    // Some decoders give other pictures at the start of a file than they do later, so what is read
+    // from there is always read by a new one.
+    if (!fromStart || !m_decoder->Reset()) {
+        m_decoder->Flush();
+    }
+    m_run.Begin(fromStart);
     if (decodeAll) {
         m_run.DecodeAll();
     }

@@ -45,6 +45,7 @@ using CodecContextPtr = std::unique_ptr<AVCodecContext, FreeThrough<avcodec_free
 using FramePtr = std::unique_ptr<AVFrame, FreeThrough<av_frame_free>>;
 using PacketPtr = std::unique_ptr<AVPacket, FreeThrough<av_packet_free>>;
 using DictionaryPtr = std::unique_ptr<AVDictionary, FreeThrough<av_dict_free>>;
+using ParametersPtr = std::unique_ptr<AVCodecParameters, FreeThrough<avcodec_parameters_free>>;
 using BitstreamFilterPtr = std::unique_ptr<AVBSFContext, FreeThrough<av_bsf_free>>;
 using BufferPtr = std::unique_ptr<AVBufferRef, FreeThrough<av_buffer_unref>>;
 using SwrContextPtr = std::unique_ptr<SwrContext, FreeThrough<swr_free>>;

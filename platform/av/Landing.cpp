@@ -28,6 +28,7 @@ Landing::Place Landing::Find(std::int64_t time) {
     m_landed = std::numeric_limits<std::int64_t>::max();
     m_step = std::max<std::int64_t>(m_clock.ToStream(kSecond), 1);
     m_refused = 0;
+    m_further = m_reorder;
     return Search();
 }
 
@@ -72,7 +73,7 @@ Landing::Place Landing::Search() {
         if (m_landed == AV_NOPTS_VALUE || m_demuxer.IsFirst(*key)) {
             break;
         }
-        if (MayServe(*key)) {
+        if (MayServe(*key) && !NeedsOneBefore()) {
             return Place::KeyFrame;
         }
         m_target = m_landed - 1;
@@ -82,6 +83,13 @@ Landing::Place Landing::Search() {
 
 bool Landing::MayServe(const AVPacket& key) const {
     return m_clock.FromStream(PresentationTime(key)) <= m_time && !m_false.contains(m_landed);
+}
+
+// Nothing decoded before a key frame is presented after it, as a rule. Where key frames stand side
+// by side in a reordered stream (clips that were cut and encoded anew at the cut) they are
+// reordered among themselves, so those that may have changed places are decoded too.
+bool Landing::NeedsOneBefore() {
+    return m_further > 0 && m_demuxer.FollowsIndexedKey(m_landed) && m_further-- > 0;
 }
 
 // The container's search was too coarse: it ended at or behind the place it had ended at before.

@@ -25,10 +25,12 @@ public:
         Nowhere,  // the file cannot be read any more
     };
 
-    Landing(Demuxer& demuxer, PacketFeed& feed, const PictureClock& clock)
+    // `reorder`: by how many places pictures move between decoding and presentation.
+    Landing(Demuxer& demuxer, PacketFeed& feed, const PictureClock& clock, int reorder)
         : m_demuxer(demuxer)
         , m_feed(feed)
-        , m_clock(clock) {}
+        , m_clock(clock)
+        , m_reorder(reorder) {}
 
     // Moves the feed to the last key frame whose picture starts at or before `time` (100 ns).
     Place Find(std::int64_t time);
@@ -49,11 +51,13 @@ private:
     bool SeekToKey();
     bool MayServe(const AVPacket& key) const;
     bool IsOnlyStartTrusted() const;
+    bool NeedsOneBefore();
     void StepBack();
 
     Demuxer& m_demuxer;
     PacketFeed& m_feed;
     const PictureClock& m_clock;
+    const int m_reorder;
     std::set<std::int64_t> m_false; // decode times of packets that are no key frames after all
 
     // The search under way, all in the stream's time base but m_time.
@@ -62,6 +66,7 @@ private:
     std::int64_t m_landed = 0; // where it landed last
     std::int64_t m_step = 0;   // how far to go back where a landing brought nothing
     int m_refused = 0;         // places proposed in vain
+    int m_further = 0;         // key frames left to go back beyond the first that serves
     std::int64_t m_seeks = 0;
 };
 

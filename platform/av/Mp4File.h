@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,11 +19,18 @@ struct Mp4Track {
     std::uint32_t id = 0; // the number that the file gives it, never 0
     TrackKind kind = TrackKind::Other;
     std::string codec; // the four characters of its first sample description; empty if none
+    unsigned int stream = 0; // its place in the file, covers counted
 };
 
-// Edit lists play no part: times and samples are the tracks' own.
+struct Mp4Sample {
+    std::int64_t time = 0; // when it is decoded, in the track's units, the first one about 0
+    bool isKey = false;    // it can be decoded without another
+};
+
+// Edit lists play no part: times and samples are the tracks' own. The first question for durations or
+// samples goes through the fragments, if the file has any.
 //
-// Thread-safety: a file never changes; safe from any thread.
+// Thread-safety: none.
 class Mp4File {
 public:
     // Null where `path` (UTF-8, a regular file) is none.
@@ -31,10 +39,23 @@ public:
     // In the order of the file. A cover picture is no track, nor is what has no number.
     const std::vector<Mp4Track>& Tracks() const { return m_tracks; }
 
+    // Of one of Tracks(): its units a second, and its duration in them, never negative.
+    std::uint32_t UnitsPerSecond(const Mp4Track& track) const;
+    std::int64_t Duration(const Mp4Track& track);
+
+    // Its samples, numbered from 0 in the order in which they are decoded.
+    std::uint32_t SampleCount(const Mp4Track& track);
+
+    // Nothing where there is no such sample.
+    std::optional<Mp4Sample> Sample(const Mp4Track& track, std::uint32_t number);
+
 private:
     explicit Mp4File(FormatContextPtr context);
 
+    const AVStream& CompleteStreamOf(const Mp4Track& track);
+
     FormatContextPtr m_context;
+    bool m_fragmentsVisited = false;
     std::vector<Mp4Track> m_tracks;
 };
 

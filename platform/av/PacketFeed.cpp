@@ -27,16 +27,32 @@ void PacketFeed::Pop() {
     m_packets.pop_front();
 }
 
-bool PacketFeed::IsOvertaken(std::int64_t limit) {
-    const std::int64_t pts = m_packets.front()->pts;
-    const auto overtakes = [&](const PacketPtr& packet) {
-        return packet->pts != AV_NOPTS_VALUE && packet->pts > pts && packet->pts <= limit;
+bool PacketFeed::HasPresented(std::int64_t from, std::int64_t to) {
+    const auto fits = [&](const PacketPtr& packet) {
+        return packet->pts != AV_NOPTS_VALUE && packet->pts >= from && packet->pts <= to;
     };
-    if (std::any_of(m_packets.begin(), m_packets.end(), overtakes)) {
+    if (std::any_of(m_packets.begin(), m_packets.end(), fits)) {
         return true;
     }
     while (m_packets.size() < kMostPackets && m_bytes < kMostBytes && ReadOne()) {
-        if (overtakes(m_packets.back())) {
+        if (fits(m_packets.back())) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// A packet that is decoded at `to` or later is presented no sooner.
+bool PacketFeed::HasBetween(std::int64_t from, std::int64_t to) {
+    for (std::size_t i = 0; i < kMostPackets; ++i) {
+        if (i == m_packets.size() && (m_bytes >= kMostBytes || !ReadOne())) {
+            return false;
+        }
+        const AVPacket& packet = *m_packets[i];
+        if (packet.pts == AV_NOPTS_VALUE || packet.dts == AV_NOPTS_VALUE || packet.dts >= to) {
+            return false;
+        }
+        if (packet.pts > from && packet.pts < to) {
             return true;
         }
     }

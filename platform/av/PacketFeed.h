@@ -22,9 +22,12 @@ public:
     const AVPacket* Front();
     void Pop();
 
-    // Whether a packet that follows the front one is presented after it, but not after `limit`
-    // (both pts). Looks only a short way ahead: the answer no is also given where it cannot tell.
-    bool IsOvertaken(std::int64_t limit);
+    // Whether one of the next packets is presented in [from, to] (pts). Looks only a short way
+    // ahead: the answer no is also given where it cannot tell.
+    bool HasPresented(std::int64_t from, std::int64_t to);
+
+    // Whether one of the next packets is presented after `from` and before `to` (both pts).
+    bool HasBetween(std::int64_t from, std::int64_t to);
 
     std::int64_t PacketsRead() const { return m_packetsRead; }
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -19,11 +21,7 @@ namespace av {
 // Thread-safety: none.
 class PictureRun {
 public:
-    PictureRun(PacketFeed& feed, VideoDecoder& decoder, const AVStream& stream)
-        : m_feed(feed)
-        , m_decoder(decoder)
-        , m_clock(stream)
-        , m_scratch(av_frame_alloc()) {}
+    PictureRun(PacketFeed& feed, VideoDecoder& decoder, const AVStream& stream);
 
     // Begins with the packet that the feed is at. `fromStart`: it is the file's first, so all that
     // comes out counts. Otherwise what is presented before that packet's picture is left out: it
@@ -36,17 +34,21 @@ public:
     // Whether the first picture can be told to depend on what was not decoded.
     bool IsBroken() const { return m_broken; }
 
-    // When the picture that Next will give starts; empty where there is none or it is not known.
+    // When the picture that Next will give starts, as far as it is known; empty where there is
+    // none.
     std::optional<std::int64_t> Position() const;
 
     // The next picture that ends after `keepFrom`; those before are not handed out, and those that
     // nothing refers to are not even decoded. Null at the end.
     PicturePtr Next(std::int64_t keepFrom);
 
-    // Whether the picture given last might have a successor that was left out because one after it,
-    // which then did not come, was to take its place. Then it has to be read again with nothing
-    // left out.
+    // Whether a picture that starts behind `picture`, which Next has just given, was left out
+    // because one after it was to take its place, which then did not come. Then it has to be read
+    // again with nothing left out.
     bool HasLost(const Picture& picture) const { return m_leftOut > picture.Start(); }
+
+    // When the stream's first picture starts, if this run has come from there and seen it.
+    std::optional<std::int64_t> StreamBegin() const;
 
     // Nothing is left out until the next Begin.
     void DecodeAll() { m_decodesAll = true; }
@@ -57,33 +59,39 @@ public:
     const PictureClock& Clock() const { return m_clock; }
 
 private:
-    struct Timed {
-        FramePtr frame;
-        std::int64_t start = 0;
-    };
-
-    std::optional<Timed> Decode(std::int64_t keepFrom);
-    bool IsLeading(const AVFrame& frame);
+    bool Decode(std::int64_t keepFrom);
+    void Take(AVFrame& frame);
+    bool IsLeading(const AVFrame& frame, std::int64_t start);
+    bool AwaitsBefore(const AVFrame& frame);
     void Judge(const AVFrame& frame);
     void SendNext(std::int64_t keepFrom);
+    void NoteSent(const AVPacket& packet);
     bool MayLeaveOut(const AVPacket& packet, std::int64_t keepFrom);
-    PicturePtr TakeLast();
+    PicturePtr Emit(std::int64_t end);
+    FramePtr PassFirst(std::int64_t end);
 
     PacketFeed& m_feed;
     VideoDecoder& m_decoder;
     PictureClock m_clock;
     FramePtr m_scratch;
+    const std::int64_t m_apart; // pts that differ by less may be those of one picture's two fields
 
-    Timed m_held; // the picture that Next will give
+    // What came out and was not handed out, by start. Of two with one start the later one is shown.
+    std::map<std::int64_t, FramePtr> m_ready;
+    std::map<std::int64_t, std::int64_t> m_inside; // pts of the packets in the decoder, by serial
+    std::deque<std::int64_t> m_sent;               // pts of the packets sent last
     bool m_fromStart = false;
     bool m_landed = false; // the landing packet's picture, or one after it, came out
     bool m_judged = false;
     bool m_broken = false;
     bool m_decodesAll = false;
-    std::int64_t m_serial = 0;           // of the packet sent last
-    std::int64_t m_firstSerial = 0;      // of the landing packet
-    std::optional<std::int64_t> m_floor; // start of the landing packet's picture
-    std::int64_t m_leftOut = INT64_MIN;  // start of the last picture that may have been left out
+    std::int64_t m_serial = 0;                // of the packet sent last
+    std::int64_t m_firstSerial = 0;           // of the landing packet
+    std::optional<std::int64_t> m_firstStart; // of the first picture taken since Begin
+    std::int64_t m_lastPts = AV_NOPTS_VALUE;  // of the packet sent last
+    bool m_lastLeftOut = false;
+    std::int64_t m_floor = INT64_MIN;   // nothing that starts before is handed out
+    std::int64_t m_leftOut = INT64_MIN; // start of the last picture that may have been left out
 };
 
 } // namespace av

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "platform/av/Fragments.h"
 #include "platform/av/Handles.h"
 #include "platform/av/OpenInput.h"
 
@@ -23,18 +24,6 @@ void CompleteSizes(AVFormatContext& context) {
     if (std::any_of(context.streams, context.streams + context.nb_streams, lacksSize) &&
         avformat_find_stream_info(&context, nullptr) < 0) {
         av_log(&context, AV_LOG_VERBOSE, "no picture tells its size\n");
-    }
-}
-
-// Fragments are found one behind the other. With every track discarded a read finds no sample to
-// hand out, so it goes through all of them and leaves their samples in the index.
-void VisitFragments(AVFormatContext& context) {
-    for (unsigned int i = 0; i < context.nb_streams; ++i) {
-        context.streams[i]->discard = AVDISCARD_ALL;
-    }
-    const PacketPtr packet(av_packet_alloc());
-    while (packet != nullptr && av_read_frame(&context, packet.get()) >= 0) {
-        av_packet_unref(packet.get());
     }
 }
 

@@ -49,25 +49,26 @@ const AVCodec* FindDecoder(AVCodecID id, const AVBufferRef* device) {
     return avcodec_find_decoder(id);
 }
 
-CodecContextPtr Configure(const AVCodec& codec, const AVStream& stream) {
+CodecContextPtr Configure(const AVCodec& codec, const AVCodecParameters& parameters) {
     CodecContextPtr context(avcodec_alloc_context3(&codec));
-    if (context == nullptr || avcodec_parameters_to_context(context.get(), stream.codecpar) < 0) {
+    if (context == nullptr || avcodec_parameters_to_context(context.get(), &parameters) < 0) {
         return nullptr;
     }
-    context->pkt_timebase = stream.time_base;
     context->max_pixels = kMostPixels;
-    // Cropping to the exact pixel; ours is to look at rows from any address.
+    // Crops to the exact pixel; rows may then begin at any address.
     context->flags |= AV_CODEC_FLAG_UNALIGNED;
     context->thread_count = 0;
     return context;
 }
 
-CodecContextPtr OpenContext(const AVStream& stream, AVBufferRef* device) {
-    const AVCodec* codec = FindDecoder(stream.codecpar->codec_id, device);
-    CodecContextPtr context = codec == nullptr ? nullptr : Configure(*codec, stream);
+CodecContextPtr OpenOn(const AVCodecParameters& parameters, AVRational timeBase,
+                       AVBufferRef* device) {
+    const AVCodec* codec = FindDecoder(parameters.codec_id, device);
+    CodecContextPtr context = codec == nullptr ? nullptr : Configure(*codec, parameters);
     if (context == nullptr) {
         return nullptr;
     }
+    context->pkt_timebase = timeBase;
     if (device != nullptr) {
         context->hw_device_ctx = av_buffer_ref(device);
         context->get_format = PreferDevice;
@@ -78,17 +79,35 @@ CodecContextPtr OpenContext(const AVStream& stream, AVBufferRef* device) {
 } // namespace
 
 std::unique_ptr<VideoDecoder> VideoDecoder::Open(const AVStream& stream, AVBufferRef* device) {
-    CodecContextPtr context = OpenContext(stream, device);
-    if (context == nullptr && device != nullptr) {
-        context = OpenContext(stream, nullptr);
+    std::unique_ptr<VideoDecoder> decoder(new VideoDecoder);
+    decoder->m_parameters.reset(avcodec_parameters_alloc());
+    decoder->m_timeBase = stream.time_base;
+    decoder->m_device.reset(device == nullptr ? nullptr : av_buffer_ref(device));
+    if (decoder->m_parameters == nullptr ||
+        avcodec_parameters_copy(decoder->m_parameters.get(), stream.codecpar) < 0) {
+        return nullptr;
     }
-    return context == nullptr ? nullptr
-                              : std::unique_ptr<VideoDecoder>(new VideoDecoder(std::move(context)));
+    return decoder->OpenContext() ? std::move(decoder) : nullptr;
+}
+
+bool VideoDecoder::OpenContext() {
+    CodecContextPtr context = OpenOn(*m_parameters, m_timeBase, m_device.get());
+    if (context == nullptr && m_device != nullptr) {
+        m_device.reset();
+        context = OpenOn(*m_parameters, m_timeBase, nullptr);
+    }
+    if (context == nullptr) {
+        return false;
+    }
+    m_context = std::move(context);
+    m_fresh = true;
+    return true;
 }
 
 bool VideoDecoder::Send(const AVPacket& packet, std::int64_t serial, bool onlyReferenced) {
     m_context->skip_frame = onlyReferenced ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
     m_context->reordered_opaque = serial;
+    m_fresh = false;
     return avcodec_send_packet(m_context.get(), &packet) >= 0;
 }
 
@@ -99,7 +118,8 @@ void VideoDecoder::Finish() {
 }
 
 VideoDecoder::Result VideoDecoder::Receive(AVFrame& frame) {
-    while (true) {
+    constexpr int kMostErrors = 1000; // one packet causes but a few
+    for (int errors = 0; errors < kMostErrors; ++errors) {
         const int result = avcodec_receive_frame(m_context.get(), &frame);
         if (result >= 0) {
             ++m_framesDecoded;
@@ -112,10 +132,19 @@ VideoDecoder::Result VideoDecoder::Receive(AVFrame& frame) {
             return Result::NeedsInput;
         }
     }
+    return Result::Ended;
 }
 
 void VideoDecoder::Flush() {
     avcodec_flush_buffers(m_context.get());
+}
+
+bool VideoDecoder::Reset() {
+    if (m_fresh || OpenContext()) {
+        return true;
+    }
+    Flush();
+    return false;
 }
 
 } // namespace av

@@ -32,18 +32,27 @@ public:
     // What a broken packet leaves behind is passed over.
     Result Receive(AVFrame& frame);
 
-    // Forgets everything, ready for a packet from another place.
+    // Ready for a packet from another place. What the decoder has learnt about the stream stays.
     void Flush();
+
+    // As after Open: what it has learnt goes too. False where that fails; it is then as after
+    // Flush.
+    bool Reset();
 
     const AVCodecContext& Context() const { return *m_context; }
 
     std::int64_t FramesDecoded() const { return m_framesDecoded; }
 
 private:
-    explicit VideoDecoder(CodecContextPtr context)
-        : m_context(std::move(context)) {}
+    VideoDecoder() = default;
 
+    bool OpenContext();
+
+    ParametersPtr m_parameters;
+    AVRational m_timeBase{0, 1};
+    BufferPtr m_device; // null: in memory
     CodecContextPtr m_context;
+    bool m_fresh = true; // nothing has been sent since the opening
     std::int64_t m_framesDecoded = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "platform/mp4v2/Mp4v2.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,8 +11,26 @@ namespace {
 
 constexpr std::string_view SampleDescriptions = "mdia.minf.stbl.stsd.";
 
-const av::Mp4File* FileOf(MP4FileHandle file) {
-    return static_cast<const av::Mp4File*>(file);
+av::Mp4File* FileOf(MP4FileHandle file) {
+    return static_cast<av::Mp4File*>(file);
+}
+
+// Null where there is none.
+const av::Mp4Track* TrackOf(MP4FileHandle file, MP4TrackId id) {
+    if (file == MP4_INVALID_FILE_HANDLE) {
+        return nullptr;
+    }
+    const auto& tracks = FileOf(file)->Tracks();
+    const auto found = std::find_if(tracks.begin(), tracks.end(),
+                                    [id](const av::Mp4Track& track) { return track.id == id; });
+    return found == tracks.end() ? nullptr : &*found;
+}
+
+// Nothing where there is none.
+std::optional<av::Mp4Sample> SampleOf(MP4FileHandle file, MP4TrackId id, MP4SampleId sample) {
+    const av::Mp4Track* track = TrackOf(file, id);
+    const bool named = track != nullptr && sample != MP4_INVALID_SAMPLE_ID;
+    return named ? FileOf(file)->Sample(*track, sample - 1) : std::nullopt;
 }
 
 bool IsOfType(const av::Mp4Track& track, const char* type) {
@@ -43,14 +62,36 @@ MP4TrackId MP4FindTrackId(MP4FileHandle file, std::uint16_t index, const char* t
 }
 
 bool MP4HaveTrackAtom(MP4FileHandle file, MP4TrackId track, const char* atomPath) {
-    if (file == MP4_INVALID_FILE_HANDLE || atomPath == nullptr) {
-        return false;
-    }
-    const auto& tracks = FileOf(file)->Tracks();
-    return std::any_of(tracks.begin(), tracks.end(), [&](const av::Mp4Track& each) {
-        return each.id == track && !each.codec.empty() &&
-               std::string(SampleDescriptions) + each.codec == atomPath;
-    });
+    const av::Mp4Track* found = TrackOf(file, track);
+    return found != nullptr && atomPath != nullptr && !found->codec.empty() &&
+           std::string(SampleDescriptions) + found->codec == atomPath;
+}
+
+MP4Duration MP4GetTrackDuration(MP4FileHandle file, MP4TrackId track) {
+    const av::Mp4Track* found = TrackOf(file, track);
+    return found == nullptr ? MP4_INVALID_DURATION
+                            : static_cast<MP4Duration>(FileOf(file)->Duration(*found));
+}
+
+std::uint32_t MP4GetTrackTimeScale(MP4FileHandle file, MP4TrackId track) {
+    const av::Mp4Track* found = TrackOf(file, track);
+    return found == nullptr ? 0 : FileOf(file)->UnitsPerSecond(*found);
+}
+
+MP4SampleId MP4GetTrackNumberOfSamples(MP4FileHandle file, MP4TrackId track) {
+    const av::Mp4Track* found = TrackOf(file, track);
+    return found == nullptr ? 0 : FileOf(file)->SampleCount(*found);
+}
+
+std::int8_t MP4GetSampleSync(MP4FileHandle file, MP4TrackId track, MP4SampleId sample) {
+    const auto found = SampleOf(file, track, sample);
+    return found ? static_cast<std::int8_t>(found->isKey) : std::int8_t{-1};
+}
+
+MP4Timestamp MP4GetSampleTime(MP4FileHandle file, MP4TrackId track, MP4SampleId sample) {
+    const auto found = SampleOf(file, track, sample);
+    return found ? static_cast<MP4Timestamp>(std::max(found->time, std::int64_t{0}))
+                 : MP4_INVALID_TIMESTAMP;
 }
 
 void MP4Close(MP4FileHandle file, std::uint32_t) {

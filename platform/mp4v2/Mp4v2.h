@@ -16,9 +16,15 @@
 
 using MP4FileHandle = void*;
 using MP4TrackId = std::uint32_t;
+using MP4SampleId = std::uint32_t;
+using MP4Duration = std::uint64_t;
+using MP4Timestamp = std::uint64_t;
 
 inline constexpr MP4FileHandle MP4_INVALID_FILE_HANDLE = nullptr;
 inline constexpr MP4TrackId MP4_INVALID_TRACK_ID = 0;
+inline constexpr MP4SampleId MP4_INVALID_SAMPLE_ID = 0;
+inline constexpr MP4Duration MP4_INVALID_DURATION = ~MP4Duration{0};
+inline constexpr MP4Timestamp MP4_INVALID_TIMESTAMP = ~MP4Timestamp{0};
 
 inline constexpr const char* MP4_AUDIO_TRACK_TYPE = "soun";
 inline constexpr const char* MP4_VIDEO_TRACK_TYPE = "vide";
@@ -39,6 +45,21 @@ MP4TrackId MP4FindTrackId(MP4FileHandle file, std::uint16_t index, const char* t
 // below "mdia.minf.stbl.stsd", the first sample description: "mdia.minf.stbl.stsd.mp4a". False for
 // any other path, and where there is no such track.
 bool MP4HaveTrackAtom(MP4FileHandle file, MP4TrackId track, const char* atomPath);
+
+// Of the track's own media, edit lists left aside; MP4GetTrackDuration in the units that
+// MP4GetTrackTimeScale tells for a second. Samples in fragments count.
+// MP4_INVALID_DURATION, 0 and 0 where there is no such track.
+MP4Duration MP4GetTrackDuration(MP4FileHandle file, MP4TrackId track);
+std::uint32_t MP4GetTrackTimeScale(MP4FileHandle file, MP4TrackId track);
+MP4SampleId MP4GetTrackNumberOfSamples(MP4FileHandle file, MP4TrackId track);
+
+// Of the track's sample `sample`, counted from 1 in the order of decoding: 1 for one that can be
+// decoded without another, 0 for one that cannot, -1 where there is no such sample.
+std::int8_t MP4GetSampleSync(MP4FileHandle file, MP4TrackId track, MP4SampleId sample);
+
+// When it is decoded, in the track's units, the track's start being 0; MP4_INVALID_TIMESTAMP where
+// there is no such sample.
+MP4Timestamp MP4GetSampleTime(MP4FileHandle file, MP4TrackId track, MP4SampleId sample);
 
 // Ends the handle. flags play no part for a file that was only read.
 void MP4Close(MP4FileHandle file, std::uint32_t flags);

@@ -56,6 +56,43 @@ TEST(Mp4v2, TwoTracksOfSound) {
     EXPECT_TRUE(MP4HaveTrackAtom(file.get(), second, Mp4a));
 }
 
+// Four pictures, ten a second; the key frames are every `keyInterval`th.
+void ExpectFourPictures(MP4FileHandle file, unsigned int keyInterval) {
+    const MP4TrackId track = MP4FindTrackId(file, 0, MP4_VIDEO_TRACK_TYPE, 0);
+    const std::uint32_t scale = MP4GetTrackTimeScale(file, track);
+    ASSERT_NE(scale, 0U);
+    EXPECT_EQ(MP4GetTrackDuration(file, track), std::uint64_t{scale} * 4 / 10);
+    ASSERT_EQ(MP4GetTrackNumberOfSamples(file, track), 4U);
+    for (MP4SampleId sample = 1; sample <= 4; ++sample) {
+        EXPECT_EQ(MP4GetSampleSync(file, track, sample), (sample - 1) % keyInterval == 0) << sample;
+        EXPECT_EQ(MP4GetSampleTime(file, track, sample), std::uint64_t{scale} * (sample - 1) / 10);
+    }
+}
+
+TEST(Mp4v2, SamplesOfATrack) {
+    ExpectFourPictures(File(MP4Read(MadeMedia("mp4-plain.mp4").c_str())).get(), 4);
+}
+
+TEST(Mp4v2, SamplesInFragments) {
+    ExpectFourPictures(File(MP4Read(MadeMedia("mp4-fragmented.mp4").c_str())).get(), 2);
+}
+
+TEST(Mp4v2, SamplesThatAreNotThere) {
+    const File file(MP4Read(MadeMedia("mp4-plain.mp4").c_str()));
+    const MP4TrackId track = MP4FindTrackId(file.get(), 0, MP4_VIDEO_TRACK_TYPE, 0);
+    for (const MP4SampleId sample : {0U, 5U, ~0U}) {
+        EXPECT_EQ(MP4GetSampleSync(file.get(), track, sample), -1);
+        EXPECT_EQ(MP4GetSampleTime(file.get(), track, sample), MP4_INVALID_TIMESTAMP);
+    }
+    for (const MP4TrackId none : {0U, 99U}) {
+        EXPECT_EQ(MP4GetTrackDuration(file.get(), none), MP4_INVALID_DURATION);
+        EXPECT_EQ(MP4GetTrackTimeScale(file.get(), none), 0U);
+        EXPECT_EQ(MP4GetTrackNumberOfSamples(file.get(), none), 0U);
+        EXPECT_EQ(MP4GetSampleSync(file.get(), none, 1), -1);
+    }
+    EXPECT_EQ(MP4GetTrackDuration(nullptr, 1), MP4_INVALID_DURATION);
+}
+
 TEST(Mp4v2, WhatIsNoMp4HasNoHandle) {
     const TemporaryFolder folder;
     EXPECT_EQ(MP4Read((folder / "none.mp4").c_str()), MP4_INVALID_FILE_HANDLE);

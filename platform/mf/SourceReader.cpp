@@ -1,0 +1,446 @@
+#include "platform/mf/SourceReader.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "platform/av/FileFacts.h"
+#include "platform/com/Object.h"
+#include "platform/mf/CompressedSamples.h"
+#include "platform/mf/DXGIDeviceManager.h"
+#include "platform/mf/Errors.h"
+#include "platform/mf/MediaFormats.h"
+#include "platform/mf/NativeType.h"
+#include "platform/mf/SourceSeekInfo.h"
+#include "platform/mf/VideoSamples.h"
+#include "platform/win32/Path.h"
+#include "platform/win32/Text.h"
+
+namespace mf {
+
+namespace {
+
+constexpr HRESULT kFileNotFound = com::ResultOf(0x80070002);
+
+// What a reader is told when it is made.
+struct Settings {
+    bool processesVideo = false;
+    com::ComPtr<IHardwareDevice> device; // may be empty
+};
+
+// The device behind a manager; empty where it has none that decodes.
+com::ComPtr<IHardwareDevice> DeviceOf(IMFDXGIDeviceManager& manager) {
+    com::ComPtr<IHardwareDevice> device;
+    HANDLE handle = nullptr;
+    if (SUCCEEDED(manager.OpenDeviceHandle(&handle))) {
+        if (FAILED(manager.GetVideoService(handle, IID_IHardwareDevice, device.PutVoid()))) {
+            device = {};
+        }
+        manager.CloseDeviceHandle(handle);
+    }
+    return device;
+}
+
+Settings ReadSettings(IMFAttributes* attributes) {
+    Settings settings;
+    if (attributes == nullptr) {
+        return settings;
+    }
+    settings.processesVideo =
+        MFGetAttributeUINT32(attributes, MF_SOURCE_READER_ENABLE_ADVANCED_VIDEO_PROCESSING, 0) != 0;
+    com::ComPtr<IMFDXGIDeviceManager> manager;
+    if (SUCCEEDED(attributes->GetUnknown(MF_SOURCE_READER_D3D_MANAGER, IID_IMFDXGIDeviceManager,
+                                         manager.PutVoid()))) {
+        settings.device = DeviceOf(*manager);
+    }
+    return settings;
+}
+
+av::VideoOptions OptionsFor(int ordinal, const Settings& settings) {
+    av::VideoOptions options;
+    options.ordinal = ordinal;
+    if (settings.device) {
+        options.device = static_cast<AVBufferRef*>(settings.device->DecodingDevice());
+    }
+    return options;
+}
+
+// One stream of the file. What gives its samples is made when it is first needed.
+struct Stream {
+    av::FileStream facts;
+    com::ComPtr<IMFMediaType> native;
+    com::ComPtr<IMFMediaType> current;
+    bool selected = true;
+    std::unique_ptr<av::VideoStream> pictures; // null until needed
+    std::unique_ptr<ISampleSource> samples;    // null until needed; may use `pictures`
+    std::optional<LONGLONG> position;          // where what is made next is to go on
+};
+
+// The size that `type` asks for where it is another than the stream's own.
+std::optional<PixelSize> AskedSize(IMFMediaType& type, const av::VideoFacts& facts) {
+    UINT32 width = 0;
+    UINT32 height = 0;
+    if (FAILED(MFGetAttributeSize(&type, MF_MT_FRAME_SIZE, &width, &height))) {
+        return std::nullopt;
+    }
+    const PixelSize size{static_cast<int>(std::min(width, 1U << 30)),
+                         static_cast<int>(std::min(height, 1U << 30))};
+    return size == PixelSize{facts.width, facts.height} ? std::nullopt : std::optional(size);
+}
+
+// The layout of a subtype; empty for one that is no picture in memory that can be had.
+std::optional<PixelLayout> LayoutOf(REFGUID subtype, const Settings& settings) {
+    if (subtype == MFVideoFormat_NV12) {
+        return PixelLayout::Nv12;
+    }
+    const bool rgb = subtype == MFVideoFormat_ARGB32 || subtype == MFVideoFormat_RGB32;
+    return rgb && settings.processesVideo ? std::optional(PixelLayout::Bgra) : std::nullopt;
+}
+
+class SourceReader final : public com::Object<IMFSourceReader> {
+public:
+    // `first`: the pictures of the file's first video stream, null where nothing decodes them.
+    SourceReader(std::string path, Settings settings, const av::FileFacts& facts,
+                 std::unique_ptr<av::VideoStream> first);
+
+    HRESULT GetStreamSelection(DWORD streamIndex, BOOL* selected) override;
+    HRESULT SetStreamSelection(DWORD streamIndex, BOOL selected) override;
+    HRESULT GetNativeMediaType(DWORD streamIndex, DWORD typeIndex, IMFMediaType** type) override;
+    HRESULT GetCurrentMediaType(DWORD streamIndex, IMFMediaType** type) override;
+    HRESULT SetCurrentMediaType(DWORD streamIndex, DWORD* reserved, IMFMediaType* type) override;
+    HRESULT SetCurrentPosition(REFGUID timeFormat, REFPROPVARIANT position) override;
+    HRESULT ReadSample(DWORD streamIndex, DWORD controlFlags, DWORD* actualIndex, DWORD* flags,
+                       LONGLONG* time, IMFSample** sample) override;
+    HRESULT Flush(DWORD streamIndex) override;
+    HRESULT GetServiceForStream(DWORD streamIndex, REFGUID service, REFIID iid,
+                                void** object) override;
+    HRESULT GetPresentationAttribute(DWORD streamIndex, REFGUID attribute,
+                                     PROPVARIANT* value) override;
+
+private:
+    void* Find(REFIID iid) override {
+        return com::Among(iid, IID_IMFSourceReader, static_cast<IMFSourceReader*>(this));
+    }
+
+    Stream* StreamAt(DWORD streamIndex);
+    HRESULT GiveCopy(IMFMediaType& type, IMFMediaType** copy) const;
+    HRESULT UsePixels(Stream& stream, PixelLayout layout, IMFMediaType& type);
+    HRESULT UseCompressed(Stream& stream);
+    HRESULT Begin(Stream& stream, std::unique_ptr<ISampleSource> samples, IMFMediaType& type);
+    SampleRead ReadFrom(Stream& stream);
+
+    const std::string m_path;
+    const Settings m_settings;
+    const LONGLONG m_duration;
+    std::mutex m_mutex; // guards all below
+    std::vector<Stream> m_streams;
+};
+
+SourceReader::SourceReader(std::string path, Settings settings, const av::FileFacts& facts,
+                           std::unique_ptr<av::VideoStream> first)
+    : m_path(std::move(path))
+    , m_settings(std::move(settings))
+    , m_duration(facts.duration) {
+    for (const av::FileStream& described : facts.streams) {
+        Stream& stream = m_streams.emplace_back();
+        stream.facts = described;
+        stream.native = NativeTypeOf(described, facts.container);
+        stream.current = CopyOf(*stream.native);
+        if (described.kind == av::TrackKind::Video && first != nullptr) {
+            stream.pictures = std::move(first);
+        }
+    }
+}
+
+// Null where the file has no such stream.
+Stream* SourceReader::StreamAt(DWORD streamIndex) {
+    if (streamIndex < m_streams.size()) {
+        return &m_streams[streamIndex];
+    }
+    const bool video = streamIndex == MF_SOURCE_READER_FIRST_VIDEO_STREAM;
+    if (!video && streamIndex != MF_SOURCE_READER_FIRST_AUDIO_STREAM) {
+        return nullptr;
+    }
+    const av::TrackKind wanted = video ? av::TrackKind::Video : av::TrackKind::Audio;
+    const auto found = std::find_if(m_streams.begin(), m_streams.end(), [&](const Stream& stream) {
+        return stream.facts.kind == wanted;
+    });
+    return found == m_streams.end() ? nullptr : &*found;
+}
+
+HRESULT SourceReader::GetStreamSelection(DWORD streamIndex, BOOL* selected) {
+    if (selected == nullptr) {
+        return E_POINTER;
+    }
+    const std::lock_guard lock(m_mutex);
+    const Stream* stream = StreamAt(streamIndex);
+    if (stream == nullptr) {
+        return MF_E_INVALIDSTREAMNUMBER;
+    }
+    *selected = stream->selected ? TRUE : FALSE;
+    return S_OK;
+}
+
+HRESULT SourceReader::SetStreamSelection(DWORD streamIndex, BOOL selected) {
+    const std::lock_guard lock(m_mutex);
+    if (streamIndex == MF_SOURCE_READER_ALL_STREAMS) {
+        for (Stream& stream : m_streams) {
+            stream.selected = selected != FALSE;
+        }
+        return S_OK;
+    }
+    Stream* stream = StreamAt(streamIndex);
+    if (stream == nullptr) {
+        return MF_E_INVALIDSTREAMNUMBER;
+    }
+    stream->selected = selected != FALSE;
+    return S_OK;
+}
+
+HRESULT SourceReader::GiveCopy(IMFMediaType& type, IMFMediaType** copy) const {
+    *copy = CopyOf(type).Detach();
+    return S_OK;
+}
+
+HRESULT SourceReader::GetNativeMediaType(DWORD streamIndex, DWORD typeIndex, IMFMediaType** type) {
+    if (type == nullptr) {
+        return E_POINTER;
+    }
+    *type = nullptr;
+    return com::Wall([&] {
+        const std::lock_guard lock(m_mutex);
+        const Stream* stream = StreamAt(streamIndex);
+        if (stream == nullptr) {
+            return MF_E_INVALIDSTREAMNUMBER;
+        }
+        return typeIndex > 0 ? MF_E_NO_MORE_TYPES : GiveCopy(*stream->native, type);
+    });
+}
+
+HRESULT SourceReader::GetCurrentMediaType(DWORD streamIndex, IMFMediaType** type) {
+    if (type == nullptr) {
+        return E_POINTER;
+    }
+    *type = nullptr;
+    return com::Wall([&] {
+        const std::lock_guard lock(m_mutex);
+        const Stream* stream = StreamAt(streamIndex);
+        return stream == nullptr ? MF_E_INVALIDSTREAMNUMBER : GiveCopy(*stream->current, type);
+    });
+}
+
+HRESULT SourceReader::SetCurrentMediaType(DWORD streamIndex, DWORD* /*reserved*/,
+                                          IMFMediaType* type) {
+    if (type == nullptr) {
+        return E_POINTER;
+    }
+    return com::Wall([&] {
+        const std::lock_guard lock(m_mutex);
+        Stream* stream = StreamAt(streamIndex);
+        if (stream == nullptr) {
+            return MF_E_INVALIDSTREAMNUMBER;
+        }
+        GUID subtype{};
+        GUID native{};
+        GUID major{};
+        if (stream->facts.kind != av::TrackKind::Video || FAILED(type->GetMajorType(&major)) ||
+            major != MFMediaType_Video || FAILED(type->GetGUID(MF_MT_SUBTYPE, &subtype))) {
+            return MF_E_INVALIDMEDIATYPE;
+        }
+        if (SUCCEEDED(stream->native->GetGUID(MF_MT_SUBTYPE, &native)) && native == subtype) {
+            return UseCompressed(*stream);
+        }
+        const auto layout = LayoutOf(subtype, m_settings);
+        return layout ? UsePixels(*stream, *layout, *type) : MF_E_INVALIDMEDIATYPE;
+    });
+}
+
+HRESULT SourceReader::UsePixels(Stream& stream, PixelLayout layout, IMFMediaType& type) {
+    VideoFormat format{layout, AskedSize(type, stream.facts.video), m_settings.device};
+    if (format.size && BytesOf(layout, SizeIn(layout, *format.size)) == 0) {
+        return MF_E_INVALIDMEDIATYPE;
+    }
+    if (stream.pictures == nullptr) {
+        stream.pictures =
+            av::VideoStream::Open(m_path, OptionsFor(stream.facts.ordinal, m_settings));
+    }
+    if (stream.pictures == nullptr) {
+        return MF_E_TOPO_CODEC_NOT_FOUND;
+    }
+    return Begin(stream, std::make_unique<VideoSamples>(*stream.pictures, std::move(format)), type);
+}
+
+HRESULT SourceReader::UseCompressed(Stream& stream) {
+    auto samples = CompressedSamples::Open(m_path, stream.facts.ordinal);
+    return samples == nullptr ? E_FAIL : Begin(stream, std::move(samples), *stream.native);
+}
+
+// Has the stream go on with `samples`, which are of `type`, where it is now.
+HRESULT SourceReader::Begin(Stream& stream, std::unique_ptr<ISampleSource> samples,
+                            IMFMediaType& type) {
+    com::ComPtr<IMFMediaType> current = CopyOf(type);
+    // Pictures of a stream that was read from before are not at their start any more.
+    if (stream.position || stream.samples != nullptr) {
+        constexpr LONGLONG kStart = std::numeric_limits<LONGLONG>::min();
+        if (const HRESULT result = samples->SetPosition(stream.position.value_or(kStart));
+            FAILED(result)) {
+            return result;
+        }
+    }
+    stream.samples = std::move(samples);
+    stream.current = std::move(current);
+    return S_OK;
+}
+
+HRESULT SourceReader::SetCurrentPosition(REFGUID timeFormat, REFPROPVARIANT position) {
+    if (timeFormat != GUID_NULL) {
+        return MF_E_UNSUPPORTED_TIME_FORMAT;
+    }
+    if (position.vt != VT_I8) {
+        return E_INVALIDARG;
+    }
+    return com::Wall([&] {
+        const std::lock_guard lock(m_mutex);
+        for (Stream& stream : m_streams) {
+            stream.position = position.hVal.QuadPart;
+            if (stream.samples == nullptr) {
+                continue;
+            }
+            if (const HRESULT result = stream.samples->SetPosition(*stream.position);
+                FAILED(result)) {
+                return result;
+            }
+        }
+        return S_OK;
+    });
+}
+
+SampleRead SourceReader::ReadFrom(Stream& stream) {
+    SampleRead read;
+    if (stream.facts.kind != av::TrackKind::Video) {
+        read.result = MF_E_TOPO_CODEC_NOT_FOUND;
+    } else if (stream.samples == nullptr) {
+        read.result = UseCompressed(stream);
+    }
+    if (SUCCEEDED(read.result)) {
+        read = stream.samples->Read();
+    }
+    if (FAILED(read.result)) {
+        read.flags |= MF_SOURCE_READERF_ERROR;
+    }
+    if (read.sample) {
+        LONGLONG duration = 0;
+        read.sample->GetSampleDuration(&duration);
+        stream.position = read.time + duration;
+        stream.samples->Describe(*stream.current);
+    }
+    return read;
+}
+
+HRESULT SourceReader::ReadSample(DWORD streamIndex, DWORD /*controlFlags*/, DWORD* actualIndex,
+                                 DWORD* flags, LONGLONG* time, IMFSample** sample) {
+    if (flags == nullptr || sample == nullptr) {
+        return E_POINTER;
+    }
+    *sample = nullptr;
+    *flags = MF_SOURCE_READERF_ERROR;
+    return com::Wall([&] {
+        const std::lock_guard lock(m_mutex);
+        Stream* stream = StreamAt(streamIndex);
+        if (stream == nullptr) {
+            return MF_E_INVALIDSTREAMNUMBER;
+        }
+        if (!stream->selected) {
+            return MF_E_INVALIDREQUEST;
+        }
+        SampleRead read = ReadFrom(*stream);
+        *flags = read.flags;
+        if (actualIndex != nullptr) {
+            *actualIndex = static_cast<DWORD>(stream - m_streams.data());
+        }
+        if (time != nullptr) {
+            *time = read.time;
+        }
+        *sample = read.sample.Detach();
+        return read.result;
+    });
+}
+
+HRESULT SourceReader::Flush(DWORD streamIndex) {
+    const std::lock_guard lock(m_mutex);
+    // Nothing is read ahead of the one who asks, so there is nothing to drop.
+    const bool known =
+        streamIndex == MF_SOURCE_READER_ALL_STREAMS || StreamAt(streamIndex) != nullptr;
+    return known ? S_OK : MF_E_INVALIDSTREAMNUMBER;
+}
+
+HRESULT SourceReader::GetServiceForStream(DWORD streamIndex, REFGUID service, REFIID iid,
+                                          void** object) {
+    if (object == nullptr) {
+        return E_POINTER;
+    }
+    *object = nullptr;
+    if (streamIndex != MF_SOURCE_READER_MEDIASOURCE) {
+        return MF_E_UNSUPPORTED_SERVICE;
+    }
+    return com::Wall([&] {
+        const std::lock_guard lock(m_mutex);
+        const Stream* video = StreamAt(MF_SOURCE_READER_FIRST_VIDEO_STREAM);
+        if (service != MF_SCRUBBING_SERVICE || video == nullptr) {
+            return MF_E_UNSUPPORTED_SERVICE;
+        }
+        return CreateSeekInfo(m_path, video->facts.ordinal, iid, object);
+    });
+}
+
+HRESULT SourceReader::GetPresentationAttribute(DWORD streamIndex, REFGUID attribute,
+                                               PROPVARIANT* value) {
+    if (value == nullptr) {
+        return E_POINTER;
+    }
+    PropVariantInit(value);
+    if (streamIndex != MF_SOURCE_READER_MEDIASOURCE) {
+        const std::lock_guard lock(m_mutex);
+        return StreamAt(streamIndex) == nullptr ? MF_E_INVALIDSTREAMNUMBER : MF_E_ATTRIBUTENOTFOUND;
+    }
+    if (attribute != MF_PD_DURATION || m_duration <= 0) {
+        return MF_E_ATTRIBUTENOTFOUND;
+    }
+    value->vt = VT_UI8;
+    value->uhVal.QuadPart = static_cast<ULONGLONG>(m_duration);
+    return S_OK;
+}
+
+HRESULT Open(const std::string& path, IMFAttributes* attributes, IMFSourceReader** reader) {
+    std::error_code unknown;
+    if (!std::filesystem::exists(path, unknown)) {
+        return kFileNotFound;
+    }
+    Settings settings = ReadSettings(attributes);
+    // Nearly every file is opened for its first video stream, so that is opened at once, and tells
+    // what else is there.
+    auto pictures = av::VideoStream::Open(path, OptionsFor(0, settings));
+    const auto facts = pictures != nullptr ? pictures->File() : av::ReadFileFacts(path);
+    if (!facts || facts->streams.empty()) {
+        return MF_E_UNSUPPORTED_BYTESTREAM_TYPE;
+    }
+    return com::Make<SourceReader>(reader, path, std::move(settings), *facts, std::move(pictures));
+}
+
+} // namespace
+
+} // namespace mf
+
+HRESULT MFCreateSourceReaderFromURL(LPCWSTR url, IMFAttributes* attributes,
+                                    IMFSourceReader** reader) {
+    if (url == nullptr || reader == nullptr) {
+        return E_POINTER;
+    }
+    *reader = nullptr;
+    return com::Wall(
+        [&] { return mf::Open(win32::ExistingPath(win32::WideToUtf8(url)), attributes, reader); });
+}

@@ -1,0 +1,427 @@
+#include "zanthe/h264/WinH264FastSampleFinder.h"
+
+#include <functional>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/zanthe/h264/ScriptedSourceReader.h"
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace Zanthe {
+namespace {
+
+constexpr auto ReturnedCurrent = ReadSampleOp::ReturnedCurrentSample;
+constexpr auto ReturnedPrevious = ReadSampleOp::ReturnedPreviousSample;
+constexpr auto ReadNext = ReadSampleOp::ReadNextSample;
+constexpr auto SeekBackward = ReadSampleOp::SeekBackward;
+constexpr auto SeekForward = ReadSampleOp::SeekForward;
+constexpr auto SeekFailed = ReadSampleOp::SeekFailed;
+
+class ScriptedDecider : public ISeekOrStepThroughDecider {
+public:
+    using Answer = std::function<bool(std::int64_t, std::int64_t)>;
+
+    explicit ScriptedDecider(Answer answer)
+        : m_answer(std::move(answer)) {}
+
+    // ISeekOrStepThroughDecider
+    bool NeedToSeekBetweenTimes(std::int64_t from, std::int64_t to) const override {
+        return m_answer(from, to);
+    }
+
+private:
+    Answer m_answer;
+};
+
+bool Step(std::int64_t, std::int64_t) {
+    return false;
+}
+
+bool Seek(std::int64_t, std::int64_t) {
+    return true;
+}
+
+// A time in units of 100 ns.
+MediaTime At(std::int64_t units) {
+    return {units, 10'000'000};
+}
+
+class FastSampleFinder : public testing::Test {
+protected:
+    FastSampleFinder() { Use(Pictures(10, 100)); }
+
+    void Use(std::vector<Picture> pictures) { m_script = MakeScript(std::move(pictures)); }
+
+    std::int64_t EndOfPictures() const {
+        const Picture& last = m_script->pictures.back();
+        return last.time + last.duration - m_script->pictures.front().time;
+    }
+
+    void Open(ScriptedDecider::Answer answer = Step, std::int64_t duration = -2) {
+        m_reader = MakeScriptedReader(m_script);
+        IMFSample* first = ReadFirst(m_reader.Get());
+        m_script->reads = 0;
+        m_finder = std::make_unique<WinH264FastSampleFinder>(
+            m_reader.Get(), first, duration == -2 ? EndOfPictures() : duration, 1,
+            std::make_unique<ScriptedDecider>(std::move(answer)), [this](IMFSample* sample) {
+                LONGLONG time = 0;
+                sample->GetSampleTime(&time);
+                m_seen.push_back(time);
+            });
+    }
+
+    com::ComPtr<IMFSample> Find(MediaTime time) {
+        return com::ComPtr<IMFSample>::Attach(m_finder->findSampleAtTime(time));
+    }
+
+    // The time of the sample found at `units`; -1 for none.
+    std::int64_t TimeFoundAt(std::int64_t units) {
+        const auto sample = Find(At(units));
+        LONGLONG time = -1;
+        if (sample) {
+            sample->GetSampleTime(&time);
+        }
+        return time;
+    }
+
+    Script m_script;
+    com::ComPtr<IMFSourceReader> m_reader;
+    std::vector<std::int64_t> m_seen; // by the callback
+    std::unique_ptr<WinH264FastSampleFinder> m_finder;
+};
+
+TEST_F(FastSampleFinder, TheFirstSampleAnswersAtOnce) {
+    Open();
+    EXPECT_NE(m_finder->currentSample(), nullptr);
+    EXPECT_EQ(TimeFoundAt(0), 0);
+    EXPECT_EQ(m_finder->currentSample(), nullptr);
+    EXPECT_EQ(m_script->reads, 0);
+    EXPECT_THAT(m_finder->readSampleOps(), ElementsAre(ReturnedCurrent));
+    EXPECT_THAT(m_finder->attempts(), ElementsAre(0));
+    EXPECT_THAT(m_seen, ElementsAre(0));
+}
+
+TEST_F(FastSampleFinder, ARepeatCostsNothing) {
+    Open();
+    const auto first = Find(At(50));
+    EXPECT_EQ(Find(At(50)), first);
+    EXPECT_EQ(Find(At(99)), first);
+    EXPECT_EQ(m_script->reads, 0);
+    EXPECT_THAT(m_finder->readSampleOps(),
+                ElementsAre(ReturnedCurrent, ReturnedPrevious, ReturnedPrevious));
+    EXPECT_THAT(m_finder->attempts(), ElementsAre(0, 0, 0));
+}
+
+TEST_F(FastSampleFinder, TheNextPictureCostsOneRead) {
+    Open();
+    for (std::int64_t time = 0; time < 1000; time += 100) {
+        EXPECT_EQ(TimeFoundAt(time), time);
+        EXPECT_EQ(m_script->reads, time / 100);
+    }
+    EXPECT_THAT(m_script->positions, IsEmpty());
+    EXPECT_EQ(m_script->flushes, 0);
+}
+
+TEST_F(FastSampleFinder, TheSampleBeforeIsHeld) {
+    Open();
+    EXPECT_EQ(TimeFoundAt(300), 300);
+    // The one found sits where the one before was, until the next is read.
+    EXPECT_EQ(TimeFoundAt(400), 400);
+    m_script->reads = 0;
+    EXPECT_EQ(TimeFoundAt(400), 400);
+    EXPECT_EQ(m_script->reads, 0);
+}
+
+TEST_F(FastSampleFinder, Boundaries) {
+    Use({{0, 100, true}, {150, 100, true}, {250, 100, true}});
+    Open();
+    EXPECT_EQ(TimeFoundAt(149), 150); // one unit before the start
+    EXPECT_EQ(TimeFoundAt(249), 150); // held, though the next one would serve too
+    EXPECT_EQ(TimeFoundAt(250), 250); // the end is not covered
+    EXPECT_EQ(TimeFoundAt(349), 250);
+}
+
+TEST_F(FastSampleFinder, NegativeTimesAreZero) {
+    Open();
+    EXPECT_EQ(TimeFoundAt(-1), 0);
+    EXPECT_EQ(Find(MediaTime(-1'000'000, 3)), Find(MediaTime(0)));
+}
+
+TEST_F(FastSampleFinder, TimesAreCut) {
+    Use(Pictures(3, 333'333));
+    Open();
+    EXPECT_EQ(Find(MediaTime(1, 30)), Find(At(333'333))); // 333333.3
+    LONGLONG time = 0;
+    Find(MediaTime(1, 30))->GetSampleTime(&time);
+    EXPECT_EQ(time, 333'333);
+}
+
+TEST_F(FastSampleFinder, BeyondTheDurationThereIsNothing) {
+    Open();
+    EXPECT_FALSE(Find(At(1001)));
+    EXPECT_FALSE(Find(MediaTime(std::numeric_limits<std::int64_t>::max())));
+    EXPECT_EQ(m_script->reads, 0);
+    EXPECT_THAT(m_finder->readSampleOps(), IsEmpty());
+    EXPECT_THAT(m_finder->attempts(), IsEmpty());
+    EXPECT_EQ(m_finder->StreamDuration(), 1000);
+}
+
+TEST_F(FastSampleFinder, AnUnknownDurationFindsNothing) {
+    Open(Step, -1);
+    EXPECT_FALSE(Find(At(0)));
+    EXPECT_THAT(m_finder->readSampleOps(), IsEmpty());
+}
+
+// The duration itself is looked for, behind the last sample: as far as a search goes.
+TEST_F(FastSampleFinder, TheDurationItselfEndsWithTheStream) {
+    Open();
+    EXPECT_FALSE(Find(At(1000)));
+    EXPECT_EQ(m_script->reads, 500);
+    EXPECT_THAT(m_finder->attempts(), ElementsAre(500));
+    EXPECT_EQ(m_finder->readSampleOps().size(), 500U);
+    EXPECT_THAT(m_finder->readSampleOps(), Each(ReadNext));
+    EXPECT_EQ(m_finder->currentSample(), nullptr);
+    EXPECT_EQ(TimeFoundAt(0), 0); // it serves on
+}
+
+TEST_F(FastSampleFinder, FiveHundredStepsAndNoFurther) {
+    Use(Pictures(700, 100));
+    Open();
+    EXPECT_EQ(TimeFoundAt(60'000), 50'000);
+    EXPECT_THAT(m_finder->attempts(), ElementsAre(500));
+    EXPECT_EQ(m_finder->readSampleOps().back(), ReturnedCurrent);
+    EXPECT_EQ(TimeFoundAt(60'000), 60'000); // from there it is 100 more
+    EXPECT_THAT(m_finder->attempts(), ElementsAre(500, 100));
+}
+
+TEST_F(FastSampleFinder, TheFiveHundredthStepMayCoverTheTime) {
+    Use(Pictures(700, 100));
+    Open();
+    EXPECT_EQ(TimeFoundAt(50'000), 50'000);
+    EXPECT_THAT(m_finder->attempts(), ElementsAre(500));
+}
+
+TEST_F(FastSampleFinder, BackwardIsASeekAndARead) {
+    Open();
+    TimeFoundAt(700);
+    m_script->reads = 0;
+    EXPECT_EQ(TimeFoundAt(250), 200);
+    EXPECT_EQ(m_script->reads, 1);
+    EXPECT_EQ(m_script->flushes, 1);
+    EXPECT_THAT(m_script->positions, ElementsAre(250));
+    const auto& operations = m_finder->readSampleOps();
+    const std::vector<ReadSampleOp> last(operations.end() - 3, operations.end());
+    EXPECT_THAT(last, ElementsAre(SeekBackward, ReadNext, ReturnedCurrent));
+}
+
+TEST_F(FastSampleFinder, ForwardSeeksAreTheDeciders) {
+    std::vector<std::pair<std::int64_t, std::int64_t>> asked;
+    Open([&](std::int64_t from, std::int64_t to) {
+        asked.emplace_back(from, to);
+        return to - from > 200;
+    });
+    EXPECT_EQ(TimeFoundAt(750), 700);
+    EXPECT_EQ(m_script->reads, 1);
+    EXPECT_THAT(asked, ElementsAre(std::pair(0, 750)));
+    EXPECT_THAT(m_finder->readSampleOps(), ElementsAre(SeekForward, ReadNext, ReturnedCurrent));
+    EXPECT_EQ(TimeFoundAt(810), 800);
+    EXPECT_THAT(m_script->positions, ElementsAre(750));
+}
+
+TEST_F(FastSampleFinder, TheOriginIsTakenOffAfterManySeeks) {
+    Use(Pictures(10, 100, 12'345));
+    Open(Seek);
+    for (const std::int64_t time : {900, 300, 0, 700, 500, 100, 800}) {
+        EXPECT_EQ(TimeFoundAt(time), time);
+    }
+    EXPECT_THAT(m_script->positions,
+                ElementsAre(13'245, 12'645, 12'345, 13'045, 12'845, 12'445, 13'145));
+}
+
+// From a key frame on, the source gives all that leads to the time.
+TEST_F(FastSampleFinder, ALandingAheadOfTheTimeIsSteppedOn) {
+    m_script->landing = [](std::int64_t) { return std::size_t{4}; };
+    Open([](std::int64_t from, std::int64_t to) { return to - from > 600; });
+    EXPECT_EQ(TimeFoundAt(750), 700);
+    EXPECT_EQ(m_script->reads, 4);
+    EXPECT_THAT(m_finder->attempts(), ElementsAre(4));
+}
+
+// A source that always lands behind the time: seeks until the loop is seen.
+TEST_F(FastSampleFinder, LateLandingsAreGivenUp) {
+    m_script->landing = [](std::int64_t) { return std::size_t{8}; };
+    Open();
+    EXPECT_EQ(TimeFoundAt(500), 500);
+    m_script->reads = 0;
+    EXPECT_FALSE(Find(At(50)));
+    EXPECT_EQ(m_script->reads, 10);
+    EXPECT_EQ(m_script->positions.size(), 10U);
+    EXPECT_THAT(m_finder->attempts(), ElementsAre(5)); // of the search before
+    EXPECT_EQ(m_finder->readSampleOps().back(), ReadNext);
+}
+
+TEST_F(FastSampleFinder, ATimeInAGapIsGivenUp) {
+    Use({{0, 100, true}, {200, 100, true}, {300, 100, true}});
+    Open();
+    EXPECT_EQ(TimeFoundAt(250), 200);
+    // Seeks to 150 land at 0; the step from there goes too far, and so on.
+    EXPECT_FALSE(Find(At(150)));
+    EXPECT_EQ(m_script->positions.size(), 10U);
+    EXPECT_LT(m_script->reads, 30);
+    EXPECT_EQ(TimeFoundAt(50), -1); // ten seeks that led nowhere are remembered
+}
+
+TEST_F(FastSampleFinder, AlternatingLandingsAreGivenUp) {
+    std::size_t turn = 0;
+    m_script->landing = [&](std::int64_t) { return turn++ % 2 == 0 ? std::size_t{5} : 7; };
+    Open();
+    TimeFoundAt(900);
+    m_script->reads = 0;
+    EXPECT_FALSE(Find(At(0)));
+    EXPECT_EQ(m_script->reads, 10);
+}
+
+TEST_F(FastSampleFinder, APositionThatCannotBeSet) {
+    Open();
+    TimeFoundAt(700);
+    m_script->positionResult = E_FAIL;
+    EXPECT_FALSE(Find(At(100)));
+    EXPECT_EQ(m_finder->readSampleOps().back(), SeekFailed);
+    EXPECT_EQ(m_finder->currentSample(), nullptr);
+    EXPECT_THAT(m_finder->attempts(), ElementsAre(7));
+    // Forward from nothing, as far as the stream has not been read.
+    m_script->positionResult = S_OK;
+    EXPECT_EQ(TimeFoundAt(850), 800);
+}
+
+TEST_F(FastSampleFinder, AForwardPositionThatCannotBeSet) {
+    m_script->positionResult = E_FAIL;
+    Open(Seek);
+    EXPECT_FALSE(Find(At(100)));
+    EXPECT_THAT(m_finder->readSampleOps(), ElementsAre(SeekForward, SeekFailed));
+}
+
+TEST_F(FastSampleFinder, TicksAndFailedReadsAreStepsThatGotNowhere) {
+    m_script->outcome = [](int read) {
+        if (read % 3 == 0) {
+            return ReadOutcome::Sample;
+        }
+        return read % 3 == 1 ? ReadOutcome::Tick : ReadOutcome::Failed;
+    };
+    Open();
+    // Reads 0, 3, 6 give samples (the first was read before they were counted).
+    EXPECT_EQ(TimeFoundAt(300), 300);
+    EXPECT_EQ(m_script->reads, 7);
+    EXPECT_THAT(m_finder->attempts(), ElementsAre(7));
+    EXPECT_THAT(m_finder->readSampleFailures(), IsEmpty());
+}
+
+TEST_F(FastSampleFinder, EndlessFailureEnds) {
+    Open();
+    m_script->outcome = [](int) { return ReadOutcome::Failed; };
+    EXPECT_FALSE(Find(At(500)));
+    EXPECT_EQ(m_script->reads, 500);
+    EXPECT_THAT(m_finder->readSampleFailures(), IsEmpty());
+}
+
+TEST_F(FastSampleFinder, TheDecidersExceptionPassesThrough) {
+    bool broken = true;
+    Open([&](std::int64_t, std::int64_t) -> bool {
+        if (broken) {
+            throw std::runtime_error("Couldn't find key frame times");
+        }
+        return false;
+    });
+    EXPECT_EQ(TimeFoundAt(0), 0);
+    EXPECT_THROW(Find(At(100)), std::runtime_error);
+    EXPECT_EQ(TimeFoundAt(0), 0);
+    broken = false;
+    EXPECT_EQ(TimeFoundAt(100), 100);
+}
+
+TEST_F(FastSampleFinder, WithoutADecider) {
+    m_reader = MakeScriptedReader(m_script);
+    WinH264FastSampleFinder finder(m_reader.Get(), ReadFirst(m_reader.Get()), 1000, 1, nullptr, {});
+    for (const auto& ask : {std::function<void()>([&] { finder.NeedToSeekBetweenTimes(0, 1); }),
+                            std::function<void()>([&] { finder.findSampleAtTime(At(100)); })}) {
+        try {
+            ask();
+            FAIL();
+        } catch (const std::runtime_error& error) {
+            EXPECT_STREQ(error.what(), "WinH264FastSampleFinder: No Seek-or-Step-Through Decider!");
+        }
+    }
+}
+
+TEST_F(FastSampleFinder, WithoutAFirstSample) {
+    m_reader = MakeScriptedReader(m_script);
+    try {
+        WinH264FastSampleFinder(m_reader.Get(), nullptr, 1000, 1, nullptr, {});
+        FAIL();
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "WinH264FastSampleFinder: Received invalid firstSample");
+    }
+}
+
+TEST_F(FastSampleFinder, AStreamThatIsNotThere) {
+    m_script->nativeTypeResult = MF_E_INVALIDSTREAMNUMBER;
+    try {
+        Open();
+        FAIL();
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "WinH264FastSampleFinder: Invalid stream index");
+    }
+    EXPECT_EQ(*m_script->living, 0);
+}
+
+TEST_F(FastSampleFinder, AnotherFailureOfTheNativeTypeIsNone) {
+    m_script->nativeTypeResult = E_FAIL;
+    Open();
+    EXPECT_EQ(TimeFoundAt(100), 100);
+}
+
+TEST_F(FastSampleFinder, TwoSamplesAreHeldAndNoMore) {
+    Open();
+    for (const std::int64_t time : {0, 100, 250, 900, 300, 301, 700, 100}) {
+        TimeFoundAt(time);
+        EXPECT_LE(*m_script->living, 2);
+    }
+    auto kept = Find(At(500));
+    EXPECT_EQ(References(kept.Get()), 2U); // the finder's and the caller's
+    m_finder.reset();
+    EXPECT_EQ(References(kept.Get()), 1U);
+    EXPECT_EQ(*m_script->living, 1);
+    kept.Reset();
+    EXPECT_EQ(*m_script->living, 0);
+}
+
+TEST_F(FastSampleFinder, LogsAreBounded) {
+    Open();
+    for (int i = 0; i < 700; ++i) {
+        TimeFoundAt(0);
+    }
+    EXPECT_EQ(m_finder->attempts().size(), 500U);
+    EXPECT_EQ(m_finder->readSampleOps().size(), 500U);
+}
+
+// Numbers that a sum or a difference does not fit.
+TEST_F(FastSampleFinder, TimesAtTheEndsOfTheNumbers) {
+    constexpr auto most = std::numeric_limits<std::int64_t>::max();
+    constexpr auto least = std::numeric_limits<std::int64_t>::min();
+    Use({{least, most, true}, {most, most, true}, {least, least, true}});
+    Open(Step, most);
+    EXPECT_EQ(TimeFoundAt(0), 0);
+    EXPECT_FALSE(Find(MediaTime(most))); // the greatest time is nobody's
+}
+
+} // namespace
+} // namespace Zanthe

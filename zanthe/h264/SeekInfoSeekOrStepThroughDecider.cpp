@@ -1,0 +1,71 @@
+#include "zanthe/h264/SeekInfoSeekOrStepThroughDecider.h"
+
+#include <stdexcept>
+
+#include "platform/mf/MediaFormats.h"
+#include "platform/mf/SeekInfo.h"
+#include "zanthe/h264/PropVariantHelper.h"
+#include "zanthe/h264/ReferenceTime.h"
+
+namespace Zanthe {
+
+// The key frames around a position, on the source's timeline.
+struct SeekInfoSeekOrStepThroughDecider::Neighbours {
+    std::int64_t previous;
+    std::int64_t next;
+};
+
+SeekInfoSeekOrStepThroughDecider::SeekInfoSeekOrStepThroughDecider(const std::string& path,
+                                                                   IMFSeekInfo* seekInfo,
+                                                                   std::int64_t timeOffset)
+    : m_path(path)
+    , m_timeOffset(timeOffset)
+    , m_seekInfo(seekInfo) {
+    if (!m_seekInfo) {
+        throw std::runtime_error("SeekInfoSeekOrStepThroughDecider: seekInfo need to be non-null");
+    }
+}
+
+SeekInfoSeekOrStepThroughDecider::~SeekInfoSeekOrStepThroughDecider() = default;
+
+bool SeekInfoSeekOrStepThroughDecider::NeedToSeekBetweenTimes(std::int64_t from,
+                                                              std::int64_t to) const {
+    if (to < from) {
+        return true;
+    }
+    const Neighbours ofFrom = NeighboursOf(from);
+    const Neighbours ofTo = NeighboursOf(to);
+    return ofFrom.previous != ofTo.previous && ofFrom.next != ofTo.previous;
+}
+
+SeekInfoSeekOrStepThroughDecider::Neighbours
+SeekInfoSeekOrStepThroughDecider::NeighboursOf(std::int64_t time) const {
+    const std::int64_t position = SaturatingSum(time, m_timeOffset);
+    return RefineNearestKeyFrames(position, AskFor(position));
+}
+
+SeekInfoSeekOrStepThroughDecider::Neighbours
+SeekInfoSeekOrStepThroughDecider::AskFor(std::int64_t position) const {
+    const PropVariantHelper start(position);
+    PropVariantHelper previous;
+    PropVariantHelper next;
+    // Without an answer both are empty, which is 0.
+    static_cast<void>(m_seekInfo->GetNearestKeyFrames(&GUID_NULL, start, previous, next));
+    return {previous, next};
+}
+
+// A position on a key frame gets that one twice, which tells no interval from another; so the
+// position moves on, for half a second at most.
+SeekInfoSeekOrStepThroughDecider::Neighbours
+SeekInfoSeekOrStepThroughDecider::RefineNearestKeyFrames(std::int64_t position,
+                                                         Neighbours found) const {
+    constexpr int mostAttempts = 15;
+    constexpr std::int64_t thirtiethOfASecond = 333333;
+    for (int i = 0; i < mostAttempts && found.previous == found.next; ++i) {
+        position = SaturatingSum(position, thirtiethOfASecond);
+        found = AskFor(position);
+    }
+    return found;
+}
+
+} // namespace Zanthe
