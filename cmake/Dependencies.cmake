@@ -10,6 +10,7 @@ add_library(libyuv UNKNOWN IMPORTED)
 set_target_properties(libyuv PROPERTIES
     IMPORTED_LOCATION ${LIBYUV_LIBRARY} INTERFACE_INCLUDE_DIRECTORIES ${LIBYUV_INCLUDE})
 pkg_check_modules(LIBPNG REQUIRED IMPORTED_TARGET libpng)
+pkg_check_modules(LIBGSF REQUIRED IMPORTED_TARGET libgsf-1)
 # The program's alone.
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)

@@ -38,7 +38,7 @@ CompressedStream::CompressedStream(std::unique_ptr<Demuxer> demuxer)
     , m_feed(*m_demuxer)
     , m_clock(m_demuxer->Stream())
     , m_usualDuration(UsualDuration(m_demuxer->Stream()))
-    , m_landing(*m_demuxer, m_feed, m_clock) {}
+    , m_landing(*m_demuxer, m_feed, m_clock, 0) {}
 
 bool CompressedStream::Seek(std::int64_t time) {
     m_passed = 0;
