@@ -93,6 +93,7 @@ HRESULT OpenCompoundFile(LPCWSTR path, InfilePtr& root) {
         return STG_E_INVALIDHEADER;
     }
     StartLibrary();
+    std::rewind(file.get()); // the input takes it to be at its start
     // The input owns the file from here on. It wants a name in UTF-8, for its own messages only.
     const InputPtr input(gsf_input_stdio_new_FILE("compound file", file.release(), FALSE));
     root.reset(input == nullptr ? nullptr : gsf_infile_msole_new(input.get(), nullptr));
