@@ -1,8 +1,13 @@
 #include "tests/support/ScriptedCodec.h"
 
+#include <map>
+
 namespace {
 
-ScriptedCodec* g_installed = nullptr;
+std::map<DWORD, ScriptedCodec*>& Installed() {
+    static std::map<DWORD, ScriptedCodec*> installed;
+    return installed;
+}
 
 std::string TextOf(const BITMAPINFOHEADER& format) {
     return std::to_string(format.biBitCount) + ' ' + std::to_string(format.biWidth) + 'x' +
@@ -13,22 +18,25 @@ std::string TextOf(const BITMAPINFOHEADER& format) {
 
 ScriptedCodec::ScriptedCodec(DWORD handler)
     : m_handler(handler) {
-    g_installed = this;
+    Installed()[handler] = this;
     ICInstall(ICTYPE_VIDEO, m_handler, reinterpret_cast<LPARAM>(&Answer), nullptr,
               ICINSTALL_FUNCTION);
 }
 
 ScriptedCodec::~ScriptedCodec() {
     ICRemove(ICTYPE_VIDEO, m_handler, 0);
-    g_installed = nullptr;
+    Installed().erase(m_handler);
 }
 
-LRESULT ScriptedCodec::Answer(DWORD_PTR, HDRVR, UINT message, LPARAM first, LPARAM second) {
-    ScriptedCodec& codec = *g_installed;
+LRESULT ScriptedCodec::Answer(DWORD_PTR id, HDRVR, UINT message, LPARAM first, LPARAM second) {
+    if (message == DRV_OPEN) {
+        return Open(reinterpret_cast<const ICOPEN*>(second)->fccHandler);
+    }
+    if (id == 0) {
+        return 1; // to be loaded or let go
+    }
+    ScriptedCodec& codec = *reinterpret_cast<ScriptedCodec*>(id);
     switch (message) {
-    case DRV_OPEN:
-        codec.calls.emplace_back("open");
-        return codec.refuses ? 0 : 1;
     case DRV_CLOSE:
         codec.calls.emplace_back("close");
         return 1;
@@ -45,6 +53,14 @@ LRESULT ScriptedCodec::Answer(DWORD_PTR, HDRVR, UINT message, LPARAM first, LPAR
     default:
         return 1;
     }
+}
+
+LRESULT ScriptedCodec::Open(DWORD handler) {
+    // Codes are matched whatever the case of their letters; the tests install one at most.
+    const auto found = Installed().find(handler);
+    ScriptedCodec* codec = found != Installed().end() ? found->second : Installed().begin()->second;
+    codec->calls.emplace_back("open");
+    return codec->refuses ? 0 : reinterpret_cast<LRESULT>(codec);
 }
 
 LRESULT ScriptedCodec::Query(LPARAM first, LPARAM second) {

@@ -7,7 +7,7 @@
 #include "platform/vfw/Vfw.h"
 
 // A codec of the test's own, installed for one code as long as the object lives. It writes down
-// what it is asked. One at a time.
+// what it is asked. Several may live, for different codes; decoders end before their codec does.
 class ScriptedCodec {
 public:
     explicit ScriptedCodec(DWORD handler);
@@ -28,6 +28,7 @@ public:
 
 private:
     static LRESULT Answer(DWORD_PTR id, HDRVR driver, UINT message, LPARAM first, LPARAM second);
+    static LRESULT Open(DWORD handler);
     LRESULT Query(LPARAM first, LPARAM second);
     LRESULT Decompress(const ICDECOMPRESS& picture);
 
