@@ -12,6 +12,7 @@ set_target_properties(libyuv PROPERTIES
 pkg_check_modules(LIBPNG REQUIRED IMPORTED_TARGET libpng)
 pkg_check_modules(PICTURES REQUIRED IMPORTED_TARGET vips>=8.13 cairo poppler-glib>=21.12)
 find_package(GIF 5.2 REQUIRED)
+pkg_check_modules(LIBGSF REQUIRED IMPORTED_TARGET libgsf-1)
 # The program's alone.
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)

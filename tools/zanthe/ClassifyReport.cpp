@@ -12,6 +12,7 @@
 
 #include "tools/zanthe/CommandError.h"
 #include "tools/zanthe/JsonLine.h"
+#include "tools/zanthe/MembersReport.h"
 
 namespace Program {
 
@@ -284,6 +285,7 @@ void PrintLines(const FileClassification& file, std::ostream& out) {
     }
     PrintBackends(file, out);
     PrintMp4(file, out);
+    PrintMembers(file.parsed.container, out);
     for (const std::string& remark : file.remarks) {
         PrintRow("remark", remark, out);
     }
@@ -304,6 +306,7 @@ void PrintJson(const FileClassification& file, std::ostream& out) {
                    {"audio_route", JsonOf(file.audioRoute)},
                    {"video_route", JsonOf(file.videoRoute)},
                    {"mp4", Mp4JsonOf(file)},
+                   {"members", MembersJson(file.parsed.container)},
                    {"remarks", file.remarks}},
                   out);
 }

@@ -85,6 +85,13 @@ TEST(DecoderFactory, ALegacyRecordingThatIsNoStorageThrowsAPlainException) {
         FAIL();
     } catch (const TextException& error) {
         EXPECT_STREQ(error.what(),
+                     "OrirecScreenVideoDecoder - failed to open structured-storage file!");
+    }
+    try {
+        Open(folder / "none.orirec" + "!Screen_Stream.avi");
+        FAIL();
+    } catch (const TextException& error) {
+        EXPECT_STREQ(error.what(),
                      "OrirecScreenVideoDecoder - orirec is not a structured-storage file!");
     }
 }

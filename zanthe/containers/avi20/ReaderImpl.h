@@ -1,0 +1,30 @@
+// An open AVI file; see Reader.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "zanthe/containers/avi20/BasicInfoParser.h"
+#include "zanthe/containers/avi20/MediaStreamReaderImpl.h"
+
+namespace AVI20::Read {
+
+class ReaderImpl {
+public:
+    explicit ReaderImpl(IStream* stream);
+
+    const BasicInfoParser& Parser() const { return m_parser; }
+
+    // The stream, with its index loaded on the first request. Null where `index` is above the
+    // count of streams; one equal to it is let pass, and throws as a stream without an index does.
+    const MediaStreamReaderImpl* Stream(std::size_t index);
+
+private:
+    // In the order of their making; the parser goes last.
+    BasicInfoParser m_parser;
+    IStream* m_stream;
+    std::vector<std::unique_ptr<MediaStreamReaderImpl>> m_streams; // null until asked for
+};
+
+} // namespace AVI20::Read
