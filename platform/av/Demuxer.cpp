@@ -27,6 +27,16 @@ void DiscardOthers(AVFormatContext& format, int kept) {
     }
 }
 
+// Times that nothing can be added to are none.
+void DropBoundlessTimes(AVPacket& packet) {
+    constexpr std::int64_t kMost = std::int64_t{1} << 60;
+    for (std::int64_t* time : {&packet.pts, &packet.dts}) {
+        if (*time > kMost || *time < -kMost) {
+            *time = AV_NOPTS_VALUE;
+        }
+    }
+}
+
 bool HasSideData(const AVPacket& packet, AVPacketSideDataType type) {
     return av_packet_get_side_data(&packet, type, nullptr) != nullptr;
 }
@@ -98,6 +108,7 @@ bool Demuxer::ReadFromFile(AVPacket& packet) {
         if (result < 0) {
             ++errors;
         } else if (packet.stream_index == m_stream && packet.size > 0) {
+            DropBoundlessTimes(packet);
             return true;
         }
     }
@@ -130,7 +141,7 @@ bool Demuxer::RewindBySeeking() {
     const auto first = FirstDts();
     return first && avformat_index_get_entries_count(&Stream()) > 0 &&
            (m_format->iformat->flags & (AVFMT_GENERIC_INDEX | AVFMT_TS_DISCONT)) == 0 &&
-           SeekBefore(*first) && ReadFromFile(*m_pending) && IsFirst(*m_pending);
+           SeekBefore(*first) && ReadFromFile(*m_pending) && MarkOf(*m_pending) == m_first;
 }
 
 Demuxer::Mark Demuxer::MarkOf(const AVPacket& packet) {
@@ -138,7 +149,9 @@ Demuxer::Mark Demuxer::MarkOf(const AVPacket& packet) {
 }
 
 bool Demuxer::IsFirst(const AVPacket& packet) const {
-    return MarkOf(packet) == m_first;
+    const Mark mark = MarkOf(packet);
+    return m_first.position >= 0 && mark.position == m_first.position ? mark.size == m_first.size
+                                                                      : mark == m_first;
 }
 
 std::optional<std::int64_t> Demuxer::FirstDts() const {

@@ -11,7 +11,9 @@ namespace av {
 namespace {
 
 constexpr std::int64_t kSecond = 10'000'000;
-constexpr std::int64_t kBeginning = std::numeric_limits<std::int64_t>::min();
+// No picture lies outside of these, and sums with them stay in range.
+constexpr std::int64_t kBeginning = std::numeric_limits<std::int64_t>::min() / 4;
+constexpr std::int64_t kForever = std::numeric_limits<std::int64_t>::max() / 4;
 
 bool Covers(const PicturePtr& picture, std::int64_t time) {
     return picture != nullptr && picture->Start() <= time && time < picture->End();
@@ -47,7 +49,7 @@ FileVideoStream::~FileVideoStream() {
 }
 
 bool FileVideoStream::Seek(std::int64_t time) {
-    m_next = time;
+    m_next = std::clamp(time, kBeginning, kForever);
     return true;
 }
 
@@ -82,10 +84,11 @@ PicturePtr FileVideoStream::Find(std::int64_t time) {
 PicturePtr FileVideoStream::Decode(std::int64_t time) {
     m_gaveOut = false;
     // Who steps back will ask for the pictures before this one next.
-    const std::int64_t keepFrom = StepsBack(time) ? WindowBefore(time) : time;
+    std::int64_t keepFrom = StepsBack(time) ? WindowBefore(time) : time;
     if (!LeadsTo(time) && !Land(time, keepFrom, false)) {
         return nullptr;
     }
+    keepFrom = m_landing.LiesFurtherBack() ? time : keepFrom;
     PicturePtr picture = ReadOn(time, keepFrom);
     if (picture != nullptr && m_run.HasLost(*picture)) {
         return Land(time, keepFrom, true) ? ReadOn(time, keepFrom) : nullptr;
@@ -95,9 +98,7 @@ PicturePtr FileVideoStream::Decode(std::int64_t time) {
 
 PicturePtr FileVideoStream::ReadOn(std::int64_t time, std::int64_t keepFrom) {
     while (PicturePtr picture = m_run.Next(keepFrom)) {
-        if (!picture->OnDevice()) { // those come from a small pool
-            PictureCache::Shared().Keep(m_owner, picture);
-        }
+        Keep(picture, keepFrom < time);
         if (const auto begin = m_run.StreamBegin()) {
             m_begin = begin;
         }
@@ -109,6 +110,27 @@ PicturePtr FileVideoStream::ReadOn(std::int64_t time, std::int64_t keepFrom) {
         }
     }
     return nullptr;
+}
+
+// What was decoded for going back stays as long as there is room. Of what is only read through a
+// short trail is enough to turn round on: the decoder is faster writing to memory that it wrote to
+// lately, by a tenth for a film in HD.
+void FileVideoStream::Keep(const PicturePtr& picture, bool forGoingBack) {
+    constexpr std::size_t kTrailBytes = std::size_t{32} << 20;
+    if (picture->OnDevice()) {
+        return; // from a small pool
+    }
+    PictureCache& cache = PictureCache::Shared();
+    cache.Keep(m_owner, picture);
+    if (forGoingBack) {
+        return;
+    }
+    m_trail.push_back(picture->Start());
+    const std::size_t size = std::max<std::size_t>(SizeInMemory(*picture), 1);
+    while (m_trail.size() > 2 + kTrailBytes / size) {
+        cache.Drop(m_owner, m_trail.front());
+        m_trail.pop_front();
+    }
 }
 
 // Whether the run at hand reaches `time` sooner than a new landing would.

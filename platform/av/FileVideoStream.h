@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <optional>
 
@@ -44,6 +45,7 @@ private:
     bool LeadsTo(std::int64_t time);
     bool Land(std::int64_t time, std::int64_t keepFrom, bool decodeAll);
     bool Begin(Landing::Place place, std::int64_t keepFrom, bool decodeAll);
+    void Keep(const PicturePtr& picture, bool forGoingBack);
     bool StepsBack(std::int64_t time) const;
     std::int64_t WindowBefore(std::int64_t time) const;
 
@@ -59,6 +61,7 @@ private:
     std::int64_t m_next; // the time that the next Read is for
     PicturePtr m_last;   // what Read gave last
     bool m_gaveOut = false;
+    std::deque<std::int64_t> m_trail;       // starts of the pictures kept while reading on
     std::optional<std::int64_t> m_landedAt; // start of the run's first picture
     std::optional<std::int64_t> m_begin;    // of the stream's first picture, once it is known
     std::optional<std::int64_t> m_end;      // of the stream's last picture, once it is known

@@ -5,9 +5,9 @@
 
 namespace av {
 
-// Goes through all fragments of the file, so that the index and the duration of each track are those
-// of the whole. It reads no sample, and costs little where there are no fragments. Nothing can be
-// read from the context afterwards: every track is discarded.
+// Goes through all fragments of the file, so that the index and the duration of each track are
+// those of the whole. It reads no sample, and costs little where there are no fragments. Nothing
+// can be read from the context afterwards: every track is discarded.
 void VisitFragments(AVFormatContext& context);
 
 } // namespace av

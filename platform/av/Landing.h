@@ -25,8 +25,9 @@ public:
         Nowhere,  // the file cannot be read any more
     };
 
-    // `reorder`: by how many places pictures move between decoding and presentation.
-    Landing(Demuxer& demuxer, PacketFeed& feed, const PictureClock& clock, int reorder)
+    // `reorder`: by how many places pictures move between decoding and presentation; 0 where it
+    // does not matter.
+    Landing(Demuxer& demuxer, PacketFeed& feed, const PictureClock& clock, int reorder = 0)
         : m_demuxer(demuxer)
         , m_feed(feed)
         , m_clock(clock)
@@ -43,6 +44,10 @@ public:
 
     // The place found last is no key frame; it is not proposed again.
     void MarkFalse();
+
+    // Whether the place found last lies before the one that would have served, for the sake of key
+    // frames that may have changed places: only what starts at the time sought is complete then.
+    bool LiesFurtherBack() const { return m_further != m_reorder; }
 
     std::int64_t Seeks() const { return m_seeks; }
 

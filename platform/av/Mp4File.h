@@ -18,7 +18,7 @@ namespace av {
 struct Mp4Track {
     std::uint32_t id = 0; // the number that the file gives it, never 0
     TrackKind kind = TrackKind::Other;
-    std::string codec; // the four characters of its first sample description; empty if none
+    std::string codec;       // the four characters of its first sample description; empty if none
     unsigned int stream = 0; // its place in the file, covers counted
 };
 
@@ -27,8 +27,8 @@ struct Mp4Sample {
     bool isKey = false;    // it can be decoded without another
 };
 
-// Edit lists play no part: times and samples are the tracks' own. The first question for durations or
-// samples goes through the fragments, if the file has any.
+// Edit lists play no part: times and samples are the tracks' own. The first question for durations
+// or samples goes through the fragments, if the file has any.
 //
 // Thread-safety: none.
 class Mp4File {

@@ -53,6 +53,13 @@ void PictureCache::Keep(Owner owner, PicturePtr picture) {
     Shrink();
 }
 
+void PictureCache::Drop(Owner owner, std::int64_t start) {
+    const std::scoped_lock lock(m_mutex);
+    if (const auto found = m_byStart.find({owner, start}); found != m_byStart.end()) {
+        Erase(found->second);
+    }
+}
+
 void PictureCache::Forget(Owner owner) {
     const std::scoped_lock lock(m_mutex);
     auto entry = m_byStart.lower_bound({owner, INT64_MIN});

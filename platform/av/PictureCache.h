@@ -36,6 +36,8 @@ public:
     // Keeps the picture unless it alone is over the budget; one that starts at the same time goes.
     void Keep(Owner owner, PicturePtr picture);
 
+    // Lets go of the picture that starts then, if it is kept, or of all that the owner has.
+    void Drop(Owner owner, std::int64_t start);
     void Forget(Owner owner);
     void SetBudget(std::size_t bytes);
     std::size_t Budget() const;
@@ -44,7 +46,10 @@ private:
     struct Key {
         Owner owner;
         std::int64_t start;
-        auto operator<=>(const Key&) const = default;
+
+        bool operator<(const Key& other) const {
+            return owner != other.owner ? owner < other.owner : start < other.start;
+        }
     };
 
     struct Entry {

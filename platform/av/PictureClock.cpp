@@ -70,18 +70,24 @@ std::int64_t PictureClock::StartOf(const AVFrame& frame) {
         m_last = *m_waiting.begin();
         m_waiting.erase(m_waiting.begin());
     } else {
-        m_last += DurationOf(frame);
+        m_last += UsualDuration();
     }
     return m_last;
 }
 
-std::int64_t PictureClock::DurationOf(const AVFrame& frame) const {
-    std::int64_t duration = 0;
+// The packet's own duration, added before rounding so that the end is the one the file tells.
+std::int64_t PictureClock::EndOf(const AVFrame& frame, std::int64_t start) const {
+    std::int64_t end = start;
     if (frame.pkt_duration > 0) {
-        duration = FromStream(frame.pkt_duration);
-    } else if (m_frameRate.num > 0) {
-        duration = Rescale(1, av_inv_q(m_frameRate), kHns);
+        const std::int64_t duration = Within(frame.pkt_duration);
+        end = frame.pts == AV_NOPTS_VALUE ? start + FromStream(duration)
+                                          : FromStream(frame.pts + duration);
     }
+    return end > start ? end : start + UsualDuration();
+}
+
+std::int64_t PictureClock::UsualDuration() const {
+    const std::int64_t duration = m_frameRate.num > 0 ? Rescale(1, av_inv_q(m_frameRate), kHns) : 0;
     return duration > 0 ? duration : kDefaultDuration;
 }
 

@@ -28,8 +28,8 @@ public:
     // REQUIRES: once for each frame, in the order in which the decoder gives them.
     std::int64_t StartOf(const AVFrame& frame);
 
-    // How long a picture that nothing follows is shown; at least 1.
-    std::int64_t DurationOf(const AVFrame& frame) const;
+    // When a picture ends that starts at `start` and that nothing follows; later than that.
+    std::int64_t EndOf(const AVFrame& frame, std::int64_t start) const;
 
     // `time` in the stream's time base to units of 100 ns, rounded down, and the latest time in the
     // stream's time base that is not after `hns`.
@@ -37,6 +37,8 @@ public:
     std::int64_t ToStream(std::int64_t hns) const;
 
 private:
+    std::int64_t UsualDuration() const;
+
     AVRational m_timeBase;
     AVRational m_frameRate;
     std::multiset<std::int64_t> m_waiting; // decode times that no picture has taken

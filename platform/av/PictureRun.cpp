@@ -88,7 +88,7 @@ PicturePtr PictureRun::Next(std::int64_t keepFrom) {
         return nullptr;
     }
     const auto& [start, last] = *m_ready.begin();
-    return Emit(start + m_clock.DurationOf(*last));
+    return Emit(m_clock.EndOf(*last, start));
 }
 
 PicturePtr PictureRun::Emit(std::int64_t end) {

@@ -15,6 +15,7 @@
 #include "platform/mf/Errors.h"
 #include "platform/mf/MediaFormats.h"
 #include "platform/mf/NativeType.h"
+#include "platform/mf/SourceReaderFactory.h"
 #include "platform/mf/SourceSeekInfo.h"
 #include "platform/mf/VideoSamples.h"
 #include "platform/win32/Path.h"
@@ -441,6 +442,10 @@ HRESULT MFCreateSourceReaderFromURL(LPCWSTR url, IMFAttributes* attributes,
         return E_POINTER;
     }
     *reader = nullptr;
-    return com::Wall(
-        [&] { return mf::Open(win32::ExistingPath(win32::WideToUtf8(url)), attributes, reader); });
+    return com::Wall([&] {
+        const mf::SourceReaderFactory factory = mf::CurrentSourceReaderFactory();
+        return factory
+                   ? factory(url, attributes, reader)
+                   : mf::Open(win32::ExistingPath(win32::WideToUtf8(url)), attributes, reader);
+    });
 }

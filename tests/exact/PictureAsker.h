@@ -9,10 +9,22 @@
 #include "zanthe/core/MediaTime.h"
 #include "zanthe/core/VideoSampleReader.h"
 
-// A host that asks one file for pictures.
+// Something that shows the pictures of one file at any time.
 //
 // Thread-safety: none.
-class PictureAsker {
+class IPictureAsker {
+public:
+    IPictureAsker() = default;
+    IPictureAsker(const IPictureAsker&) = delete;
+    IPictureAsker& operator=(const IPictureAsker&) = delete;
+    virtual ~IPictureAsker() = default;
+
+    // The picture shown at `time`, in seconds from the first one; nothing when there is none.
+    virtual std::optional<BgraPicture> At(Zanthe::MediaTime time) = 0;
+};
+
+// A host that asks the factory's reader.
+class PictureAsker : public IPictureAsker {
 public:
     explicit PictureAsker(const std::string& path);
 
@@ -21,9 +33,10 @@ public:
 
     Zanthe::VideoSampleReader& Reader() { return *m_reader; }
 
-    // The picture shown at `time`; nothing when there is none. Throws std::runtime_error when a
-    // sample is not what the contract says: 32-bit pixels in memory, as many as the reader tells.
-    std::optional<BgraPicture> At(Zanthe::MediaTime time);
+    // IPictureAsker
+    // Throws std::runtime_error when a sample is not what the contract says: 32-bit pixels in
+    // memory, as many as the reader tells.
+    std::optional<BgraPicture> At(Zanthe::MediaTime time) override;
 
 private:
     std::unique_ptr<Zanthe::DecoderFactory> m_factory;

@@ -30,7 +30,7 @@ std::vector<Question> QuestionsAbout(const ReferencePictures& reference, std::si
 testing::AssertionResult IsPicture(const std::optional<BgraPicture>& got,
                                    const ReferencePictures& reference, std::size_t number);
 
-// Asks all of them, one after the other, and adds a test failure for each false answer, but no more
-// than a few for each file.
-void ExpectAnswers(PictureAsker& asker, const ReferencePictures& reference,
+// Asks them one after the other and adds a test failure for each false answer; after a few of those
+// it gives up.
+void ExpectAnswers(IPictureAsker& asker, const ReferencePictures& reference,
                    const std::vector<Question>& questions);

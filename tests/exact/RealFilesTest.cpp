@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/av/Handles.h"
+#include "tests/exact/Files.h"
 #include "tests/exact/PictureCheck.h"
-#include "tests/support/TestMedia.h"
 
 namespace {
 
@@ -61,13 +61,6 @@ std::vector<std::filesystem::path> Files() {
     return files;
 }
 
-std::string NameOf(const testing::TestParamInfo<std::filesystem::path>& info) {
-    std::string name = info.param.filename().string();
-    std::replace_if(
-        name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
-    return name;
-}
-
 class RealFile : public testing::TestWithParam<std::filesystem::path> {};
 
 TEST_P(RealFile, ShowsEachPictureAtItsTime) {
@@ -88,7 +81,7 @@ TEST_P(RealFile, ShowsEachPictureAtItsTime) {
     ExpectAnswers(asker, reference, QuestionsAbout(reference, MostQuestions, Seed));
 }
 
-INSTANTIATE_TEST_SUITE_P(All, RealFile, testing::ValuesIn(Files()), NameOf);
+INSTANTIATE_TEST_SUITE_P(All, RealFile, testing::ValuesIn(Files()), NameOfFile);
 // Without the collection beside the checkout there are none.
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(RealFile);
 

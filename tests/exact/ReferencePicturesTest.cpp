@@ -23,10 +23,10 @@ TEST(ReferencePictures, NeighboursDifferClearly) {
     const ReferencePictures reference(MadeMedia("h264/plain.mp4"));
     BgraPicture before = reference.Pixels(0);
     for (std::size_t i = 1; i < reference.Count(); ++i) {
-        BgraPicture here = reference.Pixels(i);
+        const BgraPicture& here = reference.Pixels(i);
         EXPECT_LT(Psnr(before, here), 25) << i;
         EXPECT_EQ(Psnr(here, here), 100);
-        before = std::move(here);
+        before = here;
     }
 }
 

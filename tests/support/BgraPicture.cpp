@@ -12,9 +12,11 @@ constexpr int NumberBits = 10;
 
 double SquaredDifferences(const BgraPicture& a, const BgraPicture& b) {
     std::uint64_t sum = 0;
-    for (std::size_t i = 0; i < a.bits.size(); ++i) {
-        const int difference = i % 4 == 3 ? 0 : a.bits[i] - b.bits[i];
-        sum += static_cast<std::uint64_t>(difference * difference);
+    for (std::size_t pixel = 0; pixel + 3 < a.bits.size(); pixel += 4) {
+        for (std::size_t colour = pixel; colour < pixel + 3; ++colour) {
+            const int difference = a.bits[colour] - b.bits[colour];
+            sum += static_cast<unsigned int>(difference * difference);
+        }
     }
     return static_cast<double>(sum);
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <map>
 #include <regex>
 
@@ -30,74 +29,73 @@ Weights WeightsOf(const std::string& matrix, int height) {
 }
 
 std::uint8_t ToByte(double value) {
-    return static_cast<std::uint8_t>(std::lround(std::clamp(value, 0.0, 1.0) * 255));
+    return static_cast<std::uint8_t>(std::clamp(value, 0.0, 1.0) * 255 + 0.5);
 }
 
-// Reads the values of one picture's planes, 0 to 1 over the whole range of their bits.
-class Planes {
-public:
-    Planes(const PlanarFormat& format, const std::vector<std::uint8_t>& raw, int width, int height)
-        : m_format(format)
-        , m_raw(raw)
-        , m_width(width)
-        , m_highest((1 << format.depth) - 1) {
-        std::size_t offset = 0;
-        for (int plane = 0; plane < format.planes; ++plane) {
-            m_offsets.at(plane) = offset;
-            offset += static_cast<std::size_t>(format.PlaneWidth(plane, width)) *
-                      format.PlaneHeight(plane, height) * format.BytesPerValue();
+// One plane's values at the picture's own size.
+std::vector<std::uint16_t> WholePlane(const PlanarFormat& format, int plane,
+                                      const std::uint8_t* raw, int width, int height) {
+    const int shiftX = plane == 0 || format.rgb ? 0 : format.shiftX;
+    const int shiftY = plane == 0 || format.rgb ? 0 : format.shiftY;
+    const std::size_t rowBytes =
+        static_cast<std::size_t>(format.PlaneWidth(plane, width)) * format.BytesPerValue();
+    std::vector<std::uint16_t> values(static_cast<std::size_t>(width) * height);
+    auto* out = values.data();
+    for (int y = 0; y < height; ++y) {
+        const std::uint8_t* row = raw + (y >> shiftY) * rowBytes;
+        for (int x = 0; x < width; ++x) {
+            const int column = x >> shiftX;
+            *out++ = format.BytesPerValue() == 1
+                         ? row[column]
+                         : static_cast<std::uint16_t>(row[2 * column] + 256 * row[2 * column + 1]);
         }
     }
-
-    // In the steps of the plane's depth.
-    double At(int plane, int x, int y) const {
-        const bool small = plane > 0 && !m_format.rgb;
-        const std::size_t row = small ? y >> m_format.shiftY : y;
-        const std::size_t column = small ? x >> m_format.shiftX : x;
-        const std::size_t index = row * m_format.PlaneWidth(plane, m_width) + column;
-        const std::size_t at = m_offsets.at(plane) + index * m_format.BytesPerValue();
-        return m_format.BytesPerValue() == 1 ? m_raw[at] : m_raw[at] + 256 * m_raw[at + 1];
-    }
-
-    double Highest() const { return m_highest; }
-
-    // One step of 8 bits, in the steps of this depth.
-    double Step() const { return (m_highest + 1) / 256; }
-
-private:
-    const PlanarFormat& m_format;
-    const std::vector<std::uint8_t>& m_raw;
-    int m_width;
-    double m_highest;
-    std::array<std::size_t, 4> m_offsets{};
-};
-
-struct Colour {
-    double blue, green, red;
-};
-
-Colour FromYuv(double y, double cb, double cr, const Weights& weights) {
-    const double red = y + 2 * (1 - weights.red) * cr;
-    const double blue = y + 2 * (1 - weights.blue) * cb;
-    const double green =
-        (y - weights.red * red - weights.blue * blue) / (1 - weights.red - weights.blue);
-    return {blue, green, red};
+    return values;
 }
 
-Colour PixelAt(const Planes& planes, const PlanarFormat& format, const Weights& weights, bool full,
-               int x, int y) {
-    if (format.rgb) {
-        return {planes.At(1, x, y) / planes.Highest(), planes.At(0, x, y) / planes.Highest(),
-                planes.At(2, x, y) / planes.Highest()};
+// What the values of brightness and of colour mean: 0 to 1 and -0.5 to 0.5.
+struct Scale {
+    double blackest;
+    double brightness;
+    double middle;
+    double colour;
+};
+
+Scale ScaleOf(const PlanarFormat& format, bool full) {
+    const double step = (1 << format.depth) / 256.0;
+    const double highest = (1 << format.depth) - 1;
+    if (full) {
+        return {0, 1 / highest, 128 * step, 1 / highest};
     }
-    const double step = planes.Step();
-    const double middle = 128 * step;
-    const double brightness = full ? planes.At(0, x, y) / planes.Highest()
-                                   : (planes.At(0, x, y) - 16 * step) / (219 * step);
-    const double span = full ? planes.Highest() : 224 * step;
-    const double cb = format.planes < 3 ? 0 : (planes.At(1, x, y) - middle) / span;
-    const double cr = format.planes < 3 ? 0 : (planes.At(2, x, y) - middle) / span;
-    return FromYuv(brightness, cb, cr, weights);
+    return {16 * step, 1 / (219 * step), 128 * step, 1 / (224 * step)};
+}
+
+using Values = std::vector<std::uint16_t>;
+
+void FromRgb(const PlanarFormat& format, const std::array<Values, 3>& planes,
+             std::vector<std::uint8_t>& bits) {
+    const double highest = (1 << format.depth) - 1;
+    for (std::size_t i = 0; i < planes[0].size(); ++i) {
+        bits[4 * i] = ToByte(planes[1][i] / highest);
+        bits[4 * i + 1] = ToByte(planes[0][i] / highest);
+        bits[4 * i + 2] = ToByte(planes[2][i] / highest);
+    }
+}
+
+void FromYuv(const std::array<Values, 3>& planes, const Scale& scale, const Weights& weights,
+             std::vector<std::uint8_t>& bits) {
+    const double green = 1 - weights.red - weights.blue;
+    for (std::size_t i = 0; i < planes[0].size(); ++i) {
+        const double y = (planes[0][i] - scale.blackest) * scale.brightness;
+        const bool grey = planes[1].empty();
+        const double cb = grey ? 0 : (planes[1][i] - scale.middle) * scale.colour;
+        const double cr = grey ? 0 : (planes[2][i] - scale.middle) * scale.colour;
+        const double r = y + 2 * (1 - weights.red) * cr;
+        const double b = y + 2 * (1 - weights.blue) * cb;
+        bits[4 * i] = ToByte(b);
+        bits[4 * i + 1] = ToByte((y - weights.red * r - weights.blue * b) / green);
+        bits[4 * i + 2] = ToByte(r);
+    }
 }
 
 } // namespace
@@ -130,28 +128,34 @@ int PlanarFormat::PlaneHeight(int plane, int height) const {
     return plane == 0 || rgb ? height : (height + (1 << shiftY) - 1) >> shiftY;
 }
 
+std::size_t PlanarFormat::PlaneBytes(int plane, int width, int height) const {
+    return static_cast<std::size_t>(PlaneWidth(plane, width)) * PlaneHeight(plane, height) *
+           BytesPerValue();
+}
+
 std::size_t PlanarFormat::PictureBytes(int width, int height) const {
     std::size_t bytes = 0;
     for (int plane = 0; plane < planes; ++plane) {
-        bytes += static_cast<std::size_t>(PlaneWidth(plane, width)) * PlaneHeight(plane, height) *
-                 BytesPerValue();
+        bytes += PlaneBytes(plane, width, height);
     }
     return bytes;
 }
 
 BgraPicture ConvertPlanar(const PlanarFormat& format, const ColourWords& words,
                           const std::vector<std::uint8_t>& raw, int width, int height) {
-    const Planes planes(format, raw, width, height);
-    const Weights weights = WeightsOf(words.matrix, height);
-    const bool full = format.full || words.range == "pc";
+    std::array<Values, 3> planes;
+    const std::uint8_t* at = raw.data();
+    for (int plane = 0; plane < format.planes; ++plane) {
+        planes.at(plane) = WholePlane(format, plane, at, width, height);
+        at += format.PlaneBytes(plane, width, height);
+    }
     BgraPicture picture{width, height, {}};
-    picture.bits.reserve(static_cast<std::size_t>(width) * height * 4);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            const Colour colour = PixelAt(planes, format, weights, full, x, y);
-            picture.bits.insert(picture.bits.end(), {ToByte(colour.blue), ToByte(colour.green),
-                                                     ToByte(colour.red), 255});
-        }
+    picture.bits.assign(static_cast<std::size_t>(width) * height * 4, 255);
+    if (format.rgb) {
+        FromRgb(format, planes, picture.bits);
+    } else {
+        FromYuv(planes, ScaleOf(format, format.full || words.range == "pc"),
+                WeightsOf(words.matrix, height), picture.bits);
     }
     return picture;
 }

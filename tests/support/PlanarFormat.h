@@ -24,6 +24,7 @@ struct PlanarFormat {
 
     int PlaneWidth(int plane, int width) const;
     int PlaneHeight(int plane, int height) const;
+    std::size_t PlaneBytes(int plane, int width, int height) const;
     std::size_t PictureBytes(int width, int height) const;
 };
 

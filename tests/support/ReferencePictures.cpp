@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr std::size_t MostBytesKept = 300U << 20;
+
 std::string Quoted(const std::string& text) {
     std::string quoted = "'";
     for (const char c : text) {
@@ -139,9 +141,21 @@ std::vector<std::uint8_t> ReferencePictures::RawPicture(const Entry& entry) cons
     return raw;
 }
 
-BgraPicture ReferencePictures::Pixels(std::size_t index) const {
-    const Entry& entry = m_pictures.at(index);
-    const auto raw = RawPicture(entry);
+BgraPicture ReferencePictures::Convert(const Entry& entry) const {
     return ConvertPlanar(*PlanarFormat::Named(entry.format), ColourWords{entry.matrix, entry.range},
-                         raw, entry.width, entry.height);
+                         RawPicture(entry), entry.width, entry.height);
+}
+
+const BgraPicture& ReferencePictures::Pixels(std::size_t index) const {
+    const auto kept = m_converted.find(index);
+    if (kept != m_converted.end()) {
+        return kept->second;
+    }
+    BgraPicture picture = Convert(m_pictures.at(index));
+    if (m_convertedBytes > MostBytesKept) {
+        m_converted.clear();
+        m_convertedBytes = 0;
+    }
+    m_convertedBytes += picture.bits.size();
+    return m_converted.emplace(index, std::move(picture)).first->second;
 }

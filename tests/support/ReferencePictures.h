@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,7 +44,8 @@ public:
     // Converted here, by the formulas of the standards in floating point: matrix and range are the
     // picture's own, BT.601 up to 720 rows and BT.709 above and video range where it is silent;
     // each difference of colour stands for all the pixels it was sampled for.
-    BgraPicture Pixels(std::size_t index) const;
+    // Valid until pictures of some hundred megabytes have been asked for behind it.
+    const BgraPicture& Pixels(std::size_t index) const;
 
 private:
     struct Entry {
@@ -60,10 +62,13 @@ private:
     void ReadReport(const std::string& report);
     void ReadPicture(const std::string& line, Zanthe::MediaTime unit);
     void DropWhatHasNoPixels();
+    BgraPicture Convert(const Entry& entry) const;
     std::vector<std::uint8_t> RawPicture(const Entry& entry) const;
 
     TemporaryFolder m_folder;
     std::string m_pixels; // path of the file of pixels
     std::vector<Entry> m_pictures;
     bool m_shortened = false;
+    mutable std::map<std::size_t, BgraPicture> m_converted;
+    mutable std::size_t m_convertedBytes = 0;
 };

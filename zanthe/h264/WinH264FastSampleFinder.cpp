@@ -58,13 +58,26 @@ bool Covers(const com::ComPtr<IMFSample>& sample, std::int64_t time) {
 }
 
 // Cut to whole units; 0 for a negative time, and the greatest number for what 64 bits do not hold.
+// In whole numbers: by way of double a picture's own time would now and then come out a unit short,
+// and the picture before it, where that is held, would be the answer.
 std::int64_t TruncatedReferenceTime(MediaTime time) {
-    const double units = MediaTimeToSeconds(time) * 10000000.0;
-    constexpr double end = 0x1p63;
-    if (units < 0) {
+    constexpr std::int64_t unitsPerSecond = 10'000'000;
+    constexpr auto most = std::numeric_limits<std::int64_t>::max();
+    const std::int64_t seconds = time.numerator() / time.denominator();
+    const std::int64_t rest = time.numerator() % time.denominator();
+    if (time.numerator() <= 0) {
         return 0;
     }
-    return units < end ? static_cast<std::int64_t>(units) : std::numeric_limits<std::int64_t>::max();
+    if (seconds >= most / unitsPerSecond) {
+        return most;
+    }
+    // A fraction this fine has no picture of its own to miss.
+    const std::int64_t units =
+        rest <= most / unitsPerSecond
+            ? rest * unitsPerSecond / time.denominator()
+            : static_cast<std::int64_t>(static_cast<double>(rest) /
+                                        static_cast<double>(time.denominator()) * 1e7);
+    return seconds * unitsPerSecond + units;
 }
 
 } // namespace

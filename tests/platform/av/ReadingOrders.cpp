@@ -38,12 +38,14 @@ std::uint64_t HashOf(const AVFrame& frame) {
 
 class Comparison {
 public:
-    Comparison(const std::string& path, OrderReport& report)
+    Comparison(const std::string& path, std::size_t most, OrderReport& report)
         : m_report(report) {
         const auto linear = VideoStream::Open(path, {});
         m_stream = VideoStream::Open(path, {});
         if (linear != nullptr) {
-            m_seen = ReadAll(*linear);
+            m_seen = ReadAll(*linear, most);
+            PicturePtr more;
+            m_whole = linear->Read(more) != ReadResult::Picture;
         }
         report.pictures = m_seen.size();
     }
@@ -73,7 +75,7 @@ public:
         PicturePtr picture;
         const ReadResult result = m_stream->Read(picture);
         if (expected >= m_seen.size()) {
-            if (result == ReadResult::Picture) {
+            if (m_whole && result == ReadResult::Picture) {
                 Differ(order, expected, See(*picture));
             }
             return;
@@ -114,6 +116,7 @@ private:
 
     std::unique_ptr<VideoStream> m_stream;
     std::vector<SeenPicture> m_seen;
+    bool m_whole = false; // m_seen goes to the end of the stream
     OrderReport& m_report;
 };
 
@@ -132,9 +135,9 @@ std::vector<SeenPicture> ReadAll(VideoStream& stream, std::size_t most) {
     return seen;
 }
 
-OrderReport CompareOrders(const std::string& path, int reads, unsigned seed) {
+OrderReport CompareOrders(const std::string& path, int reads, unsigned seed, std::size_t most) {
     OrderReport report;
-    Comparison comparison(path, report);
+    Comparison comparison(path, most, report);
     const auto& seen = comparison.Seen();
     if (seen.empty()) {
         return report;

@@ -30,7 +30,9 @@ struct OrderReport {
     std::vector<std::string> differences;
 };
 
-// Linear, random, backward, to and fro, and on the boundaries of pictures. `reads`: of each order.
-OrderReport CompareOrders(const std::string& path, int reads, unsigned seed);
+// Linear, random, backward, to and fro, and on the boundaries of pictures, among the first `most`.
+// `reads`: of each order.
+OrderReport CompareOrders(const std::string& path, int reads, unsigned seed,
+                          std::size_t most = 100'000);
 
 } // namespace av

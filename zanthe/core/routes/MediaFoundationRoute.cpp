@@ -1,12 +1,14 @@
 #include "zanthe/core/routes/DecoderRoutes.h"
+#include "zanthe/h264/WinH264SampleReader.h"
 
 namespace Zanthe {
 
-// There is no source reader in this build to make an H.264 reader on.
 std::unique_ptr<VideoSampleReader>
-DecoderRoutes::CreateMediaFoundation(const std::string&, int, DecoderOutputFormat,
-                                     IMFDXGIDeviceManager*) const {
-    return nullptr;
+DecoderRoutes::CreateMediaFoundation(const std::string& path, int streamIndex,
+                                     DecoderOutputFormat format,
+                                     IMFDXGIDeviceManager* deviceManager) const {
+    return std::unique_ptr<VideoSampleReader>(
+        WinH264SampleReader::create(path, streamIndex, format, deviceManager));
 }
 
 } // namespace Zanthe
