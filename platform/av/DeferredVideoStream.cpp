@@ -67,18 +67,20 @@ std::unique_ptr<VideoStream> DeferredVideoStream::Open(const std::string& path,
         return stream;
     }
     VideoFacts facts = stream->Facts();
+    const FileFacts& file = stream->File();
     auto shared = std::make_shared<SharedVideoStream>(std::move(stream));
     timeline->BeginAt(shared->Begin());
     return std::unique_ptr<VideoStream>(
-        new DeferredVideoStream(std::move(shared), std::move(timeline), std::move(facts)));
+        new DeferredVideoStream(std::move(shared), std::move(timeline), std::move(facts), file));
 }
 
 DeferredVideoStream::DeferredVideoStream(std::shared_ptr<SharedVideoStream> stream,
                                          std::unique_ptr<PictureTimeline> timeline,
-                                         VideoFacts facts)
+                                         VideoFacts facts, const FileFacts& file)
     : m_stream(std::move(stream))
     , m_timeline(std::move(timeline))
-    , m_facts(std::move(facts)) {}
+    , m_facts(std::move(facts))
+    , m_file(file) {}
 
 bool DeferredVideoStream::Seek(std::int64_t time) {
     return m_timeline->Seek(time);

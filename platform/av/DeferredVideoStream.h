@@ -28,19 +28,25 @@ public:
     // VideoStream
     const VideoFacts& Facts() const override { return m_facts; }
 
+    const FileFacts& File() const override { return m_file; }
+
     bool Seek(std::int64_t time) override;
     ReadResult Read(PicturePtr& picture) override;
+
+    bool AtEnd() const override { return m_timeline->AtEnd(); }
 
     // Its own packets and those that decoding has read.
     const WorkCounters& Counters() const override;
 
 private:
     DeferredVideoStream(std::shared_ptr<SharedVideoStream> stream,
-                        std::unique_ptr<PictureTimeline> timeline, VideoFacts facts);
+                        std::unique_ptr<PictureTimeline> timeline, VideoFacts facts,
+                        const FileFacts& file);
 
     const std::shared_ptr<SharedVideoStream> m_stream;
     const std::unique_ptr<PictureTimeline> m_timeline;
     const VideoFacts m_facts;
+    const FileFacts& m_file; // the shared stream's
     mutable WorkCounters m_counters;
 };
 

@@ -46,6 +46,9 @@ public:
     // settled, or when nothing is left.
     bool Pop(PictureSpan& span);
 
+    // Whether nothing is left and nothing can come.
+    bool IsDone() const { return m_closed && m_waiting.empty(); }
+
 private:
     bool Settled() const;
     std::int64_t EndOfLast() const;

@@ -6,6 +6,7 @@
 
 #include "platform/av/OpenInput.h"
 #include "platform/av/StreamChoice.h"
+#include "platform/av/WorkTotals.h"
 
 extern "C" {
 #include <libavutil/common.h>
@@ -108,6 +109,7 @@ bool PictureTimeline::ReadPacket() {
             return false;
         }
         ++m_packetsRead;
+        ++WorkTotals().packetsRead;
     } while (m_packet->stream_index != m_stream->index || m_packet->pts == AV_NOPTS_VALUE ||
              m_packet->dts == AV_NOPTS_VALUE);
     return true;

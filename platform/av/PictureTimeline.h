@@ -42,6 +42,9 @@ public:
     // starts.
     ReadResult Read(PictureSpan& span);
 
+    // Whether nothing follows the span read last.
+    bool AtEnd() const { return m_order.IsDone(); }
+
     std::int64_t PacketsRead() const { return m_packetsRead; }
 
 private:

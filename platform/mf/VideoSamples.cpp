@@ -85,8 +85,9 @@ HRESULT VideoSamples::MakeSample(const av::PicturePtr& picture, com::ComPtr<IMFS
     if (!m_inMemory) {
         const PixelSize own{picture->Width(), picture->Height()};
         m_inMemory = SizeIn(m_format.layout, m_format.size.value_or(own));
+        // Looking at every picture for its rules would decode every picture.
+        m_rules = av::ColourRulesOf(picture->Frame());
     }
-    m_rules = av::ColourRulesOf(picture->Frame());
     com::ComPtr<IMFMediaBuffer> buffer;
     HRESULT result = CreatePictureBuffer(picture, m_format.layout, *m_inMemory,
                                          m_format.device.Get(), buffer.Put());
