@@ -141,7 +141,7 @@ bool Demuxer::RewindBySeeking() {
     const auto first = FirstDts();
     return first && avformat_index_get_entries_count(&Stream()) > 0 &&
            (m_format->iformat->flags & (AVFMT_GENERIC_INDEX | AVFMT_TS_DISCONT)) == 0 &&
-           SeekBefore(*first) && ReadFromFile(*m_pending) && IsFirst(*m_pending);
+           SeekBefore(*first) && ReadFromFile(*m_pending) && MarkOf(*m_pending) == m_first;
 }
 
 Demuxer::Mark Demuxer::MarkOf(const AVPacket& packet) {
@@ -149,7 +149,9 @@ Demuxer::Mark Demuxer::MarkOf(const AVPacket& packet) {
 }
 
 bool Demuxer::IsFirst(const AVPacket& packet) const {
-    return MarkOf(packet) == m_first;
+    const Mark mark = MarkOf(packet);
+    return m_first.position >= 0 && mark.position == m_first.position ? mark.size == m_first.size
+                                                                      : mark == m_first;
 }
 
 std::optional<std::int64_t> Demuxer::FirstDts() const {

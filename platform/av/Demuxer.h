@@ -32,7 +32,8 @@ public:
     // so already. False when even that fails.
     bool Rewind();
 
-    // Whether a packet is the file's first.
+    // Whether a packet is the file's first, whatever times it has: program streams may give it
+    // others after a seek.
     bool IsFirst(const AVPacket& packet) const;
 
     // The decode time of the first packet, if it has one.

@@ -46,7 +46,10 @@ private:
     struct Key {
         Owner owner;
         std::int64_t start;
-        auto operator<=>(const Key&) const = default;
+
+        bool operator<(const Key& other) const {
+            return owner != other.owner ? owner < other.owner : start < other.start;
+        }
     };
 
     struct Entry {

@@ -97,7 +97,8 @@ TEST(VideoStream, PicturesAreTimedByTheFile) {
 TEST(VideoStream, EndsBehindTheLastPicture) {
     const auto stream = OpenMade("h264/plain.mp4");
     PicturePtr picture;
-    for (const std::int64_t time : std::vector<std::int64_t>{40'000'000, 900'000'000'000, INT64_MAX}) {
+    for (const std::int64_t time :
+         std::vector<std::int64_t>{40'000'000, 900'000'000'000, INT64_MAX}) {
         stream->Seek(time);
         EXPECT_EQ(stream->Read(picture), ReadResult::End) << time;
         EXPECT_EQ(stream->Read(picture), ReadResult::End) << time;
