@@ -1,0 +1,162 @@
+#include <functional>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/StillPictures.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestMedia.h"
+#include "zanthe/images/PdfImageLoader.h"
+
+namespace Zanthe {
+namespace {
+
+// A document of one page, 200 by 100 points, painted by `operators`.
+std::string Pdf(const std::string& operators) {
+    std::string file = "%PDF-1.4\n";
+    std::vector<std::size_t> offsets;
+    const auto add = [&](const std::string& object) {
+        offsets.push_back(file.size());
+        file += std::to_string(offsets.size()) + " 0 obj\n" + object + "\nendobj\n";
+    };
+    add("<< /Type /Catalog /Pages 2 0 R >>");
+    add("<< /Type /Pages /Kids [3 0 R] /Count 1 >>");
+    add("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 200 100] /Contents 4 0 R /Resources << "
+        "/ExtGState << /Half << /ca 0.5 >> >> >> >>");
+    add("<< /Length " + std::to_string(operators.size()) + " >>\nstream\n" + operators +
+        "\nendstream");
+    const std::size_t table = file.size();
+    file += "xref\n0 5\n0000000000 65535 f \n";
+    for (const std::size_t offset : offsets) {
+        char line[21];
+        std::snprintf(line, sizeof(line), "%010zu 00000 n \n", offset);
+        file += line;
+    }
+    return file + "trailer\n<< /Size 5 /Root 1 0 R >>\nstartxref\n" + std::to_string(table) +
+           "\n%%EOF\n";
+}
+
+// The left half red, a band of half green at the bottom, the rest unpainted.
+const char* const Artwork = "1 0 0 rg 0 0 100 100 re f /Half gs 0 1 0 rg 100 0 100 50 re f";
+
+std::string FailureOf(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const std::runtime_error& failure) {
+        return failure.what();
+    }
+    return "none";
+}
+
+class PdfLoader : public testing::Test {
+protected:
+    std::string Write(const std::string& bytes) { return m_folder.Write("a.pdf", bytes); }
+
+    TemporaryFolder m_folder;
+};
+
+TEST_F(PdfLoader, DrawsThePageAtExactlyTheSize) {
+    PdfImageLoader loader(Write(Pdf(Artwork)), 7);
+    EXPECT_TRUE(loader.IsVectorResizable());
+    EXPECT_EQ(loader.GetBitmap(), nullptr);
+    loader.Load(3.0, 40, 60); // stretched: the page is twice as wide as high
+    EXPECT_EQ(loader.GetWidth(), 40);
+    EXPECT_EQ(loader.GetHeight(), 60);
+    EXPECT_TRUE(loader.GetBitmap()->GetPreMultipliedAlpha());
+    const BgraPicture picture = PictureOf(*loader.GetBitmap());
+    EXPECT_EQ(PixelText(picture, 0, 0), "0000FFFF");
+    EXPECT_EQ(PixelText(picture, 19, 59), "0000FFFF");
+    EXPECT_EQ(PixelText(picture, 20, 29), "00000000"); // unpainted
+    EXPECT_EQ(PixelText(picture, 39, 59), "00808080"); // half green, premultiplied
+}
+
+TEST_F(PdfLoader, TheSameSizeIsDrawnOnce) {
+    PdfImageLoader loader(Write(Pdf(Artwork)), 0);
+    loader.Load(0, 20, 10);
+    const auto first = loader.GetBitmap();
+    loader.Load(5, 20, 10);
+    EXPECT_EQ(loader.GetBitmap(), first);
+    loader.Resize(20, 10);
+    EXPECT_EQ(loader.GetBitmap(), first);
+    loader.Load(0, 10, 20);
+    EXPECT_NE(loader.GetBitmap(), first);
+    EXPECT_EQ(first->GetWidth(), 20);
+    EXPECT_EQ(loader.GetWidth(), 10);
+}
+
+TEST_F(PdfLoader, ResizeWorksBeforeAnyLoad) {
+    PdfImageLoader loader(Write(Pdf(Artwork)), 0);
+    loader.Resize(200, 100);
+    EXPECT_EQ(loader.GetWidth(), 200);
+    EXPECT_EQ(PixelText(PictureOf(*loader.GetBitmap()), 99, 99), "0000FFFF");
+}
+
+TEST_F(PdfLoader, HasNoSizeBeforeALoad) {
+    PdfImageLoader loader(Write(Pdf(Artwork)), 0);
+    EXPECT_EQ(FailureOf([&] { loader.GetWidth(); }),
+              "PdfImageLoader: Can't GetWidth if _Bitmap is nullptr");
+    EXPECT_EQ(FailureOf([&] { loader.GetHeight(); }),
+              "PdfImageLoader: Can't GetHeight if _Bitmap is nullptr");
+}
+
+TEST_F(PdfLoader, ASizeBelowOneLeavesThePicture) {
+    PdfImageLoader loader(Write(Pdf(Artwork)), 0);
+    loader.Load(0, 20, 10);
+    const auto before = loader.GetBitmap();
+    const std::string text = "PdfImageLoader: width and height must be > 0";
+    EXPECT_EQ(FailureOf([&] { loader.Load(0, 20, 0); }), text);
+    EXPECT_EQ(FailureOf([&] { loader.Load(0, -1, 10); }), text);
+    EXPECT_EQ(FailureOf([&] { loader.Resize(0, 0); }), text);
+    EXPECT_EQ(loader.GetBitmap(), before);
+}
+
+// The bitmap has that size all the same; what it shows is undefined.
+TEST_F(PdfLoader, WhatCannotBeDrawnFails) {
+    PdfImageLoader loader(Write(Pdf(Artwork)), 0);
+    EXPECT_EQ(FailureOf([&] { loader.Load(0, 40000, 1); }),
+              "PdfImageLoader: Couldn't load a bitmap");
+    EXPECT_EQ(loader.GetWidth(), 40000);
+    loader.Load(0, 20, 10);
+    EXPECT_EQ(loader.GetWidth(), 20);
+}
+
+TEST_F(PdfLoader, WhatIsNoDocumentIsRefused) {
+    const std::string text = "PdfImageLoader: Couldn't open filename";
+    const auto open = [](const std::string& path) {
+        return FailureOf([&] { PdfImageLoader(path, 0); });
+    };
+    EXPECT_EQ(open(m_folder / "missing.pdf"), text);
+    EXPECT_EQ(open(m_folder.Path().string()), text);
+    EXPECT_EQ(open(Write("")), text);
+    EXPECT_EQ(open(Write("no document at all")), text);
+    EXPECT_EQ(open(Write(std::string("%PDF-1.4\n\0\1\2", 12))), text);
+}
+
+// None of them may crash or leave what is no premultiplied pixel.
+TEST_F(PdfLoader, RealDocuments) {
+    const auto files = RealMedia("pdf");
+    if (files.empty()) {
+        GTEST_SKIP() << "no real media here";
+    }
+    int drawn = 0;
+    for (const auto& file : files) {
+        try {
+            PdfImageLoader loader(file.string(), 0);
+            loader.Load(0, 160, 200);
+            ++drawn;
+            const BgraPicture picture = PictureOf(*loader.GetBitmap());
+            for (std::size_t i = 0; i < picture.bits.size(); i += 4) {
+                for (std::size_t band = 0; band < 3; ++band) {
+                    ASSERT_LE(picture.bits[i + band], picture.bits[i + 3]) << file;
+                }
+            }
+        } catch (const std::runtime_error& failure) {
+            EXPECT_TRUE(std::string(failure.what()).starts_with("PdfImageLoader: Couldn't"))
+                << file << ": " << failure.what();
+        }
+    }
+    EXPECT_GT(drawn, static_cast<int>(files.size()) * 9 / 10);
+}
+
+} // namespace
+} // namespace Zanthe
