@@ -24,6 +24,15 @@ bool IsKey(const AVPacket& packet) {
     return (packet.flags & AV_PKT_FLAG_KEY) != 0;
 }
 
+void Note(std::int64_t start, std::int64_t time, KeyFrames& found) {
+    if (start >= time) {
+        found.atOrAfter = start;
+    }
+    if (start <= time) {
+        found.atOrBefore = std::max(found.atOrBefore.value_or(start), start);
+    }
+}
+
 } // namespace
 
 std::unique_ptr<CompressedStream> CompressedStream::Open(const std::string& path, int ordinal) {
@@ -64,23 +73,12 @@ KeyFrames CompressedStream::KeyFramesAround(std::int64_t time) {
     if (!Seek(time)) {
         return found;
     }
-    while (const AVPacket* packet = m_feed.Front()) {
-        const std::int64_t dts = packet->dts;
-        if (!IsKey(*packet)) {
-            Pass();
-            continue;
+    for (const AVPacket* packet = m_feed.Front(); packet != nullptr && !found.atOrAfter;
+         packet = m_feed.Front()) {
+        if (IsKey(*packet)) {
+            Note(StartOf(*packet), time, found);
         }
-        const std::int64_t start = StartOf(*packet);
-        if (start >= time) {
-            found.atOrAfter = start;
-        }
-        if (start <= time) {
-            found.atOrBefore = std::max(found.atOrBefore.value_or(start), start);
-        }
-        if (found.atOrAfter) {
-            break;
-        }
-        SkipToKeyAfter(dts);
+        Pass();
     }
     return found;
 }
@@ -105,17 +103,6 @@ std::int64_t CompressedStream::DurationOf(const AVPacket& packet, std::int64_t s
 void CompressedStream::Pass() {
     m_feed.Pop();
     ++m_passed;
-}
-
-// Passes the packet in front, and what the index says is no key frame behind it.
-void CompressedStream::SkipToKeyAfter(std::int64_t dts) {
-    AVStream* stream = m_demuxer->Format().streams[m_demuxer->Stream().index];
-    const int entry = dts == AV_NOPTS_VALUE ? -1 : av_index_search_timestamp(stream, dts + 1, 0);
-    const AVIndexEntry* key = entry < 0 ? nullptr : avformat_index_get_entry(stream, entry);
-    Pass();
-    if (key != nullptr && key->timestamp > dts && m_demuxer->SeekBefore(key->timestamp)) {
-        m_feed.Clear();
-    }
 }
 
 } // namespace av

@@ -52,7 +52,6 @@ private:
     std::int64_t StartOf(const AVPacket& packet) const;
     std::int64_t DurationOf(const AVPacket& packet, std::int64_t start) const;
     void Pass();
-    void SkipToKeyAfter(std::int64_t dts);
 
     const std::unique_ptr<Demuxer> m_demuxer;
     PacketFeed m_feed;

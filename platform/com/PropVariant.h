@@ -18,7 +18,7 @@ enum VARENUM : VARTYPE {
 };
 
 // `vt` says which of the others holds.
-struct tagPROPVARIANT {
+struct tagPROPVARIANT { // NOLINT(readability-identifier-naming): settled
     VARTYPE vt;
     WORD wReserved1;
     WORD wReserved2;

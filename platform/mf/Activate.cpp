@@ -136,7 +136,8 @@ HRESULT GiveArray(std::vector<com::ComPtr<IMFActivate>> found, IMFActivate*** ac
     if (found.empty()) {
         return S_OK;
     }
-    auto* array = static_cast<IMFActivate**>(CoTaskMemAlloc(found.size() * sizeof(IMFActivate*)));
+    constexpr std::size_t kPointer = sizeof(void*);
+    auto* array = static_cast<IMFActivate**>(CoTaskMemAlloc(found.size() * kPointer));
     if (array == nullptr) {
         return E_OUTOFMEMORY;
     }

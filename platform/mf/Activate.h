@@ -39,7 +39,7 @@ inline constexpr UINT32 MFT_ENUM_FLAG_TRANSCODE_ONLY = 0x20;
 inline constexpr UINT32 MFT_ENUM_FLAG_SORTANDFILTER = 0x40;
 inline constexpr UINT32 MFT_ENUM_FLAG_ALL = 0x3F;
 
-struct MFT_REGISTER_TYPE_INFO {
+struct MFT_REGISTER_TYPE_INFO { // NOLINT(readability-identifier-naming): settled
     GUID guidMajorType;
     GUID guidSubtype;
 };

@@ -9,7 +9,7 @@
 #include "platform/com/Unknown.h"
 #include "platform/win32/Export.h"
 
-enum HARDWARE_DEVICE_TYPE : UINT32 {
+enum HARDWARE_DEVICE_TYPE : UINT32 { // NOLINT(readability-identifier-naming): settled
     HARDWARE_DEVICE_VAAPI = 1,
     HARDWARE_DEVICE_CUDA = 2,
 };

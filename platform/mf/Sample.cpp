@@ -141,7 +141,7 @@ private:
         com::ComPtr<IMFMediaBuffer> joined;
         const HRESULT result = Join(m_buffers, joined);
         if (SUCCEEDED(result)) {
-            m_buffers.assign(1, std::move(joined));
+            m_buffers.assign(1, joined);
         }
         return result;
     }

@@ -151,7 +151,7 @@ SourceReader::SourceReader(std::string path, Settings settings, const av::FileFa
         stream.facts = described;
         stream.native = NativeTypeOf(described, facts.container);
         stream.current = CopyOf(*stream.native);
-        if (described.kind == av::TrackKind::Video && first != nullptr) {
+        if (described.kind == av::TrackKind::Video && described.ordinal == 0) {
             stream.pictures = std::move(first);
         }
     }

@@ -15,27 +15,27 @@ inline constexpr IID IID_IMFTransform = {
 inline constexpr CLSID CLSID_CColorConvertDMO = {
     0x98230571, 0x0087, 0x4204, {0xB0, 0x20, 0x32, 0x82, 0x53, 0x8E, 0x57, 0xD3}};
 
-enum MFT_MESSAGE_TYPE : UINT32 {
+enum MFT_MESSAGE_TYPE : UINT32 { // NOLINT(readability-identifier-naming): settled
     MFT_MESSAGE_COMMAND_FLUSH = 0,
     MFT_MESSAGE_NOTIFY_BEGIN_STREAMING = 0x10000000,
     MFT_MESSAGE_NOTIFY_END_STREAMING = 0x10000001,
 };
 
-enum MFT_OUTPUT_STREAM_INFO_FLAGS : UINT32 {
+enum MFT_OUTPUT_STREAM_INFO_FLAGS : UINT32 { // NOLINT(readability-identifier-naming): settled
     MFT_OUTPUT_STREAM_WHOLE_SAMPLES = 0x1,
     MFT_OUTPUT_STREAM_SINGLE_SAMPLE_PER_BUFFER = 0x2,
     MFT_OUTPUT_STREAM_FIXED_SAMPLE_SIZE = 0x4,
 };
 
-struct MFT_OUTPUT_STREAM_INFO {
-    DWORD dwFlags;     // of MFT_OUTPUT_STREAM_INFO_FLAGS
-    DWORD cbSize;      // bytes of the buffer that ProcessOutput needs
-    DWORD cbAlignment; // 0: none asked for
+struct MFT_OUTPUT_STREAM_INFO { // NOLINT(readability-identifier-naming): settled
+    DWORD dwFlags;              // of MFT_OUTPUT_STREAM_INFO_FLAGS
+    DWORD cbSize;               // bytes of the buffer that ProcessOutput needs
+    DWORD cbAlignment;          // 0: none asked for
 };
 
 struct IMFCollection;
 
-struct MFT_OUTPUT_DATA_BUFFER {
+struct MFT_OUTPUT_DATA_BUFFER { // NOLINT(readability-identifier-naming): settled
     DWORD dwStreamID;
     IMFSample* pSample;     // the caller's, to be filled
     DWORD dwStatus;         // set to 0

@@ -55,7 +55,7 @@ TEST_P(SeekInfo, TellsTheKeyFramesAround) {
 
 INSTANTIATE_TEST_SUITE_P(Files, SeekInfo,
                          testing::Values("h264/plain.mp4", "h264/in-matroska.mkv",
-                                         "h264/fragmented.mp4", "h264/audio-first.mp4"));
+                                         "h264/index-first.mp4", "h264/audio-first.mp4"));
 
 TEST(SeekInfoService, IsThatOfFilesWithVideo) {
     const auto reader = OpenReader(MadeMedia("h264/plain.mp4"), {});
