@@ -7,8 +7,10 @@
 
 namespace {
 
-HANDLE Begin(unsigned int (*start)(void*), void* argument) {
-    return reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, start, argument, 0, nullptr));
+HANDLE Begin(unsigned int (*start)(void*), void* argument, unsigned int* identifier = nullptr) {
+    const std::uintptr_t thread = _beginthreadex(nullptr, 0, start, argument, 0, identifier);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the SDK answers the handle as a number
+    return reinterpret_cast<HANDLE>(thread);
 }
 
 unsigned int Increment(void* number) {
@@ -68,9 +70,9 @@ TEST(Thread, EachHasAnIdentifier) {
     unsigned int first = 0;
     unsigned int second = 0;
     for (unsigned int* identifier : {&first, &second}) {
-        const auto thread = _beginthreadex(nullptr, 0, Increment, &number, 0, identifier);
-        WaitForSingleObject(reinterpret_cast<HANDLE>(thread), INFINITE);
-        CloseHandle(reinterpret_cast<HANDLE>(thread));
+        const HANDLE thread = Begin(Increment, &number, identifier);
+        WaitForSingleObject(thread, INFINITE);
+        CloseHandle(thread);
     }
     EXPECT_NE(first, 0U);
     EXPECT_NE(first, second);

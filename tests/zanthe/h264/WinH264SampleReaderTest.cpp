@@ -43,7 +43,7 @@ class SampleReader : public testing::Test {
 protected:
     SampleReader() { m_script->presentationDuration = 1000; }
 
-    ~SampleReader() override { win32::SetSystemVersion({}); }
+    void TearDown() override { win32::SetSystemVersion({}); }
 
     // Any path but an MP4 file's: it has no geometry and no table.
     std::unique_ptr<WinH264SampleReader> Open(DecoderOutputFormat format = Memory,
