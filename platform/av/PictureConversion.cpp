@@ -10,6 +10,8 @@ extern "C" {
 #include <libavutil/pixdesc.h>
 }
 
+#include "platform/av/YuvKernelConstants.h"
+
 namespace av {
 
 namespace {
@@ -52,21 +54,6 @@ private:
     FramePtr m_copy;
     const AVFrame* m_frame;
 };
-
-// libyuv's constants for these rules; null where it has none.
-const libyuv::YuvConstants* ConstantsFor(const ColourRules& rules) {
-    const bool full = rules.range == ColourRange::Full;
-    switch (rules.matrix) {
-    case ColourMatrix::Bt601:
-        return full ? &libyuv::kYuvJPEGConstants : &libyuv::kYuvI601Constants;
-    case ColourMatrix::Bt709:
-        return full ? &libyuv::kYuvF709Constants : &libyuv::kYuvH709Constants;
-    case ColourMatrix::Bt2020:
-        return full ? &libyuv::kYuvV2020Constants : &libyuv::kYuv2020Constants;
-    default:
-        return nullptr;
-    }
-}
 
 int SwsMatrix(ColourMatrix matrix) {
     switch (matrix) {
@@ -244,7 +231,7 @@ bool ConvertToBgra(const Picture& picture, std::uint8_t* rows, std::ptrdiff_t st
     const AVFrame& frame = *memory.Frame();
     const ColourRules rules = ColourRulesOf(frame);
     const Rows out{rows, stride};
-    const libyuv::YuvConstants* constants = ConstantsFor(rules);
+    const libyuv::YuvConstants* constants = KernelConstantsFor(rules);
     return (constants != nullptr && ToBgraByKernel(frame, out, *constants)) ||
            ToBgraByScaler(frame, rules, out);
 }

@@ -86,15 +86,15 @@ std::vector<Question> QuestionsAbout(const ReferencePictures& reference, std::si
 }
 
 AssertionResult IsPicture(const std::optional<BgraPicture>& got, const ReferencePictures& reference,
-                          std::size_t number) {
+                          std::size_t number, double same) {
     if (!got) {
         return AssertionFailure() << "no picture";
     }
     double alike = 0;
-    for (const std::size_t same : PicturesWithTheTimeOf(reference, number)) {
-        alike = std::max(alike, Psnr(*got, reference.Pixels(same)));
+    for (const std::size_t twin : PicturesWithTheTimeOf(reference, number)) {
+        alike = std::max(alike, Psnr(*got, reference.Pixels(twin)));
     }
-    if (alike >= SamePicture && !IsRatherANeighbour(*got, reference, number, alike)) {
+    if (alike >= same && !IsRatherANeighbour(*got, reference, number, alike)) {
         return AssertionSuccess();
     }
     return AssertionFailure() << got->width << "x" << got->height << ", " << std::setprecision(3)
@@ -102,12 +102,12 @@ AssertionResult IsPicture(const std::optional<BgraPicture>& got, const Reference
 }
 
 void ExpectAnswers(IPictureAsker& asker, const ReferencePictures& reference,
-                   const std::vector<Question>& questions) {
+                   const std::vector<Question>& questions, double same) {
     int failures = 0;
     for (std::size_t asked = 0; asked < questions.size() && failures < MostFailures; ++asked) {
         const Question& question = questions[asked];
         const AssertionResult result =
-            IsPicture(asker.At(question.time), reference, question.picture);
+            IsPicture(asker.At(question.time), reference, question.picture, same);
         if (!result) {
             ++failures;
             ADD_FAILURE() << "question " << asked << " of " << questions.size() << ", at "

@@ -44,21 +44,26 @@ std::unique_ptr<VideoSampleReader> OpenReader(const std::string& path, const Vid
 }
 
 Alpha AlphaOf(const FileClassification& file) {
-    if (file.videoRoute == "GIF decoder") {
+    if (file.videoRoute.backend == "GIF decoder") {
         return Alpha::Premultiplied;
     }
-    return file.videoRoute == "PNG QuickTime decoder" ? Alpha::Straight : Alpha::None;
+    return file.videoRoute.backend == "PNG QuickTime decoder" ? Alpha::Straight : Alpha::None;
 }
 
 // What the file itself says of how its pictures are to be shown. The reader's own word, where it
 // has one, goes before this.
 VideoFacts FactsOf(const std::string& path, const VideoSampleReader& reader) {
     const FileClassification file = Zanthe::ClassifyFile(path);
-    VideoFacts facts{.rotation = file.rotation, .alpha = AlphaOf(file), .reader = file.videoRoute};
-    if (file.orientationWidth > 0 && file.orientationHeight > 0 && reader.outputWidth() > 0 &&
+    VideoFacts facts{.alpha = AlphaOf(file), .reader = file.videoRoute.backend};
+    if (!file.orientation) {
+        return facts;
+    }
+    const auto& shown = *file.orientation;
+    facts.rotation = shown.rotation;
+    if (shown.width > 0 && shown.height > 0 && reader.outputWidth() > 0 &&
         reader.outputHeight() > 0) {
-        facts.aspectNumerator = std::int64_t{reader.outputHeight()} * file.orientationWidth;
-        facts.aspectDenominator = std::int64_t{reader.outputWidth()} * file.orientationHeight;
+        facts.aspectNumerator = std::int64_t{reader.outputHeight()} * shown.width;
+        facts.aspectDenominator = std::int64_t{reader.outputWidth()} * shown.height;
     }
     return facts;
 }

@@ -21,7 +21,7 @@ TEST(PropVariant, BeginsEmpty) {
     std::memset(&variant, 0xAA, sizeof variant);
     PropVariantInit(&variant);
     EXPECT_EQ(variant.vt, VT_EMPTY);
-    static_assert(sizeof(PROPVARIANT) == 16);
+    static_assert(sizeof(PROPVARIANT) == 24); // as on any 64-bit system
     static_assert(VT_I8 == 20 && VT_UI8 == 21 && VT_UI4 == 19 && VT_LPWSTR == 31);
 }
 

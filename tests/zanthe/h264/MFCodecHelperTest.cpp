@@ -7,15 +7,6 @@
 #include "platform/mf/Activate.h"
 #include "platform/mf/MediaFormats.h"
 
-// The system's encoder keeps a block of each start to itself.
-// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer's name
-extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
-
-// NOLINTNEXTLINE(bugprone-reserved-identifier)
-const char* __lsan_default_suppressions() {
-    return "leak:x265\n";
-}
-
 namespace Zanthe {
 namespace {
 

@@ -14,16 +14,6 @@
 #include "zanthe/h264/TrackGeometry.h"
 #include "zanthe/h264/WinH264SampleReader.h"
 
-// The decoders' own threads synchronise in libraries that the thread sanitizer does not see into;
-// it would take what they hand each other for races. NOLINTNEXTLINE(bugprone-reserved-identifier):
-// the sanitizer's name
-extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions();
-
-// NOLINTNEXTLINE(bugprone-reserved-identifier)
-const char* __tsan_default_suppressions() {
-    return "race:libavcodec.so\nrace:libavutil.so\n";
-}
-
 namespace Zanthe {
 namespace {
 

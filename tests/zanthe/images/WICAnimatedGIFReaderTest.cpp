@@ -1,3 +1,6 @@
+#include <cmath>
+
+#include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
 
 #include "platform/win32/Text.h"
