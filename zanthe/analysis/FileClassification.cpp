@@ -119,8 +119,9 @@ ClassifiedBackend BackendFor(const std::wstring& path, MediaFoundationPurpose pu
 // What this build has a backend behind; None needs none. A route that is chosen and missing here
 // fails to open.
 constexpr std::array<AudioRoute, 1> BuiltAudioRoutes{AudioRoute::Ffmpeg};
-constexpr std::array<VideoRoute, 0> BuiltVideoRoutes{};
-constexpr std::array<OwnVideoDecoder, 1> BuiltOwnDecoders{OwnVideoDecoder::None};
+constexpr std::array<VideoRoute, 1> BuiltVideoRoutes{VideoRoute::MediaFoundation};
+constexpr std::array<OwnVideoDecoder, 2> BuiltOwnDecoders{OwnVideoDecoder::None,
+                                                          OwnVideoDecoder::Gif};
 
 template <typename Routes, typename Route>
 bool IsBuilt(const Routes& built, Route route) {
