@@ -72,6 +72,8 @@ TEST(ClassifyFile, TellsWhatThisBuildHas) {
     EXPECT_EQ(ClassifyFile("a.mp4").audioRoute, (ClassifiedRoute{"Media Foundation", false}));
     EXPECT_EQ(ClassifyFile("a.mp4").videoRoute, (ClassifiedRoute{"Media Foundation", true}));
     EXPECT_EQ(ClassifyFile("a.gif").videoRoute, (ClassifiedRoute{"GIF decoder", true}));
+    EXPECT_EQ(ClassifyFile("a.orirec!Screen_Stream.avi").videoRoute,
+              (ClassifiedRoute{"legacy recording decoder", true}));
     EXPECT_EQ(ClassifyFile("a.avi").videoRoute, (ClassifiedRoute{"DirectShow", false}));
     EXPECT_EQ(ClassifyFile("a.brec").videoRoute, (ClassifiedRoute{"recording decoder", false}));
 }
