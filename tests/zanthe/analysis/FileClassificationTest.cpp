@@ -67,6 +67,17 @@ TEST(ClassifyFile, RoutesAreThoseOfThisSystem) {
     EXPECT_EQ(file.videoRoute.backend, file.system62 ? "Media Foundation" : "DirectShow");
 }
 
+TEST(ClassifyFile, TellsWhatThisBuildHas) {
+    EXPECT_EQ(ClassifyFile("a.mp3").audioRoute, (ClassifiedRoute{"FFmpeg", true}));
+    EXPECT_EQ(ClassifyFile("a.mp4").audioRoute, (ClassifiedRoute{"Media Foundation", false}));
+    EXPECT_EQ(ClassifyFile("a.mp4").videoRoute, (ClassifiedRoute{"Media Foundation", true}));
+    EXPECT_EQ(ClassifyFile("a.gif").videoRoute, (ClassifiedRoute{"GIF decoder", true}));
+    EXPECT_EQ(ClassifyFile("a.orirec!Screen_Stream.avi").videoRoute,
+              (ClassifiedRoute{"legacy recording decoder", true}));
+    EXPECT_EQ(ClassifyFile("a.avi").videoRoute, (ClassifiedRoute{"DirectShow", false}));
+    EXPECT_EQ(ClassifyFile("a.brec").videoRoute, (ClassifiedRoute{"recording decoder", false}));
+}
+
 TEST(ClassifyFile, TellsRotations) {
     EXPECT_EQ(Made("mp4-rotate90.mp4").orientation.value().rotation, 90);
     EXPECT_EQ(Made("mp4-rotate180.mp4").orientation.value().rotation, 180);
