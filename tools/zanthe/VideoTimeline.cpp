@@ -10,7 +10,7 @@ namespace Program {
 namespace {
 
 // Videos do not get longer than this: a day.
-constexpr std::int64_t LongestVideo = 24 * 3600 * UnitsPerSecond;
+constexpr std::int64_t LongestVideo = std::int64_t{24} * 3600 * UnitsPerSecond;
 
 void Look(const WatchTime& watch, std::int64_t units) {
     if (watch) {
