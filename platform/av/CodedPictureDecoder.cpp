@@ -10,6 +10,8 @@ extern "C" {
 #include <libavutil/imgutils.h>
 }
 
+#include "platform/av/Quiet.h"
+
 namespace av {
 
 namespace {
@@ -59,6 +61,7 @@ bool DecodesTag(std::uint32_t tag) {
 }
 
 std::unique_ptr<CodedPictureDecoder> CodedPictureDecoder::Open(const CodedPictureFormat& format) {
+    QuietUnlessChosen();
     const AVCodec* codec = avcodec_find_decoder(CodecOf(format.tag));
     if (codec == nullptr ||
         av_image_check_size(static_cast<unsigned>(std::max(format.width, 0)),

@@ -6,30 +6,19 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <mutex>
 #include <utility>
 
 #include "platform/av/TrackBoxes.h"
 
 extern "C" {
-#include <libavutil/log.h>
 #include <libavutil/opt.h>
 }
+
+#include "platform/av/Quiet.h"
 
 namespace av {
 
 namespace {
-
-// FFmpeg writes a line to standard error for many a file. Inside somebody's editor that is noise,
-// so it is turned off, unless the host has set a level of its own.
-void QuietUnlessChosen() {
-    static std::once_flag once;
-    std::call_once(once, [] {
-        if (av_log_get_level() == AV_LOG_INFO) {
-            av_log_set_level(AV_LOG_QUIET);
-        }
-    });
-}
 
 int CheckRegularFile(const std::string& path) {
     struct stat status = {};

@@ -81,6 +81,16 @@ HRESULT LooksLikeCompoundFile(LPCWSTR path) {
     return BeginsAsCompoundFile(file.get()) ? S_OK : S_FALSE;
 }
 
+// Not gsf_infile_child_by_index, which writes a warning where there is no child to be had, and
+// writes it as the host.
+InputPtr ChildOf(GsfInfile& infile, int index) {
+    GError* failure = nullptr;
+    InputPtr child(G_TYPE_INSTANCE_GET_CLASS(&infile, GSF_INFILE_TYPE, GsfInfileClass)
+                       ->child_by_index(&infile, index, &failure));
+    g_clear_error(&failure);
+    return child;
+}
+
 HRESULT OpenCompoundFile(LPCWSTR path, InfilePtr& root) {
     FilePtr file = OpenFile(path);
     if (file == nullptr) {

@@ -3,6 +3,7 @@
 
 #include <gsf/gsf.h>
 
+#include <gsf/gsf-infile-impl.h>
 #include <gsf/gsf-infile-msole.h>
 #include <gsf/gsf-input-stdio.h>
 

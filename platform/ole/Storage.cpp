@@ -232,7 +232,7 @@ private:
     }
 
     InputPtr Child(std::size_t index) const {
-        return InputPtr(gsf_infile_child_by_index(m_infile.get(), static_cast<int>(index)));
+        return ole::ChildOf(*m_infile, static_cast<int>(index));
     }
 
     HRESULT FindChild(LPCWSTR name, DWORD mode, STGTY type, InputPtr& child) const {
