@@ -78,7 +78,8 @@ struct IMFSourceReader : IUnknown {
 
     // The next sample of each stream is the one shown at `position`, VT_I8 in units of 100 ns, the
     // only `timeFormat` (GUID_NULL). A position before the start is the start; behind the end of a
-    // stream comes its last sample, and then its end. Compressed samples go on from the key frame at or before it.
+    // stream comes its last sample, and then its end. Compressed samples go on from the key frame
+    // at or before it.
     virtual HRESULT SetCurrentPosition(REFGUID timeFormat, REFPROPVARIANT position) = 0;
 
     // The next sample of a stream, waited for. *sample: it, with a reference for the caller; null

@@ -24,8 +24,8 @@ com::ComPtr<IStorage> Open(const std::string& path) {
 
 HRESULT ResultOfOpening(const std::string& path, DWORD mode = STGM_SHARE_DENY_WRITE) {
     com::ComPtr<IStorage> storage;
-    const HRESULT result = StgOpenStorage(win32::Utf8ToWide(path).c_str(), nullptr, mode, nullptr,
-                                          0, storage.Put());
+    const HRESULT result =
+        StgOpenStorage(win32::Utf8ToWide(path).c_str(), nullptr, mode, nullptr, 0, storage.Put());
     EXPECT_EQ(storage.Get() == nullptr, FAILED(result));
     return result;
 }
@@ -67,9 +67,8 @@ class Storage : public testing::Test {
 protected:
     // A small stream lies in sectors of 64 bytes, a large one in its own.
     Storage() {
-        WriteCompoundFile(path, {{"Small.wav", small},
-                                 {"Large.avi", large},
-                                 {"folder/Inner.dat", "inner"}});
+        WriteCompoundFile(
+            path, {{"Small.wav", small}, {"Large.avi", large}, {"folder/Inner.dat", "inner"}});
     }
 
     TemporaryFolder folder;
@@ -140,8 +139,8 @@ TEST_F(Storage, ElementsAreTold) {
     STATSTG facts{};
     while (elements->Next(1, &facts, nullptr) == S_OK) {
         told.push_back(facts.pwcsName);
-        told.back() += L' ' + std::to_wstring(facts.type) + L' ' +
-                       std::to_wstring(facts.cbSize.QuadPart);
+        told.back() +=
+            L' ' + std::to_wstring(facts.type) + L' ' + std::to_wstring(facts.cbSize.QuadPart);
         CoTaskMemFree(facts.pwcsName);
     }
     std::sort(told.begin(), told.end());

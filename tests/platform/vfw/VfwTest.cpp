@@ -50,8 +50,7 @@ struct Codec {
                        std::size_t outputBytes) const {
         std::string rows(outputBytes, '?');
         input.biSizeImage = static_cast<DWORD>(bytes.size());
-        const DWORD result =
-            ICDecompress(handle, 0, &input, bytes.data(), &output, rows.data());
+        const DWORD result = ICDecompress(handle, 0, &input, bytes.data(), &output, rows.data());
         return result == ICERR_OK ? rows : "failed";
     }
 
@@ -115,16 +114,14 @@ const std::string Below("\x10\x10\x10\x80\x80\x80\xF0\xF0\xF0...", 12);
 
 TEST(Vfw, UncompressedRowsComeOutAsTheyWentIn) {
     const Codec codec(0);
-    const std::string out =
-        codec.Decode(Format(3, 2, 24), Below + Above, Format(3, 2, 24), 24);
+    const std::string out = codec.Decode(Format(3, 2, 24), Below + Above, Format(3, 2, 24), 24);
     EXPECT_EQ(out.substr(0, 9), Below.substr(0, 9));
     EXPECT_EQ(out.substr(12, 9), Above.substr(0, 9));
 }
 
 TEST(Vfw, AHeightBelowZeroTurnsThemOver) {
     const Codec codec(0);
-    const std::string out =
-        codec.Decode(Format(3, 2, 24), Below + Above, Format(3, -2, 24), 24);
+    const std::string out = codec.Decode(Format(3, 2, 24), Below + Above, Format(3, -2, 24), 24);
     EXPECT_EQ(out.substr(0, 9), Above.substr(0, 9));
     EXPECT_EQ(out.substr(12, 9), Below.substr(0, 9));
     const std::string in = codec.Decode(Format(3, -2, 24), Above + Below, Format(3, 2, 24), 24);
@@ -155,8 +152,8 @@ TEST(Vfw, RunsAreDecodedAndPicturesBuildOnTheOneBefore) {
     const BITMAPINFOHEADER input = Format(4, 2, 24, BI_RLE8);
     const std::string white(3, '\xFF');
     const std::string grey(3, '\x40');
-    const std::string first = "\4" + grey + std::string("\0\0", 2) + "\4" + white +
-                              std::string("\0\0\0\1", 4);
+    const std::string first =
+        "\4" + grey + std::string("\0\0", 2) + "\4" + white + std::string("\0\0\0\1", 4);
     const std::string whiteRow = white + white + white + white;
     const std::string greyRow = grey + grey + grey + grey;
     EXPECT_EQ(codec.Decode(input, first, Format(4, 2, 24), 24), greyRow + whiteRow);

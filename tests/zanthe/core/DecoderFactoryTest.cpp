@@ -9,6 +9,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include "zanthe/core/TextException.h"
 #include "zanthe/core/WinDecoderFactory.h"
+#include "zanthe/detection/DSMediaDetException.h"
 
 namespace Zanthe {
 namespace {
@@ -73,8 +74,8 @@ TEST(DecoderFactory, AGifThatCannotBeReadThrows) {
     try {
         Open(folder.Write("text.gif", "no GIF"));
         FAIL();
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "Can't create WICAnimatedGIFReader");
+    } catch (const DSMediaDetException& error) {
+        EXPECT_STREQ(error.what(), "Unable to create decoder");
     }
 }
 

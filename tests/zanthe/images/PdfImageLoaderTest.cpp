@@ -67,7 +67,7 @@ TEST_F(PdfLoader, DrawsThePageAtExactlyTheSize) {
     EXPECT_EQ(PixelText(picture, 0, 0), "0000FFFF");
     EXPECT_EQ(PixelText(picture, 19, 59), "0000FFFF");
     EXPECT_EQ(PixelText(picture, 20, 29), "00000000"); // unpainted
-    EXPECT_EQ(PixelText(picture, 39, 59), "00808080"); // half green, premultiplied
+    EXPECT_EQ(PixelText(picture, 39, 59), "00800080"); // half green, premultiplied
 }
 
 TEST_F(PdfLoader, TheSameSizeIsDrawnOnce) {
