@@ -68,7 +68,7 @@ private:
     void WaitUntilReady() const;
 
     std::string m_path;
-    int m_streamIndex;
+    [[maybe_unused]] int m_streamIndex;
     std::int64_t m_firstSampleTime;
     GUID m_subtype;
 

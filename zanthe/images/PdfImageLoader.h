@@ -56,7 +56,7 @@ private:
 
     boost::shared_ptr<Vellum::Pdf> m_document;
     boost::shared_ptr<Bitmap> m_bitmap;
-    int m_value;
+    [[maybe_unused]] int m_value;
 };
 
 } // namespace Zanthe
