@@ -37,7 +37,7 @@ FileVideoStream::FileVideoStream(std::unique_ptr<Demuxer> demuxer,
     : m_demuxer(std::move(demuxer))
     , m_decoder(std::move(decoder))
     , m_feed(*m_demuxer)
-    , m_run(m_feed, *m_decoder, m_demuxer->Stream())
+    , m_run(m_feed, *m_decoder, m_demuxer->Stream(), !m_demuxer->MissesTimes())
     , m_landing(*m_demuxer, m_feed, m_run.Clock(), m_demuxer->Stream().codecpar->video_delay)
     , m_facts(ReadVideoFacts(m_demuxer->Format(), m_demuxer->Stream()))
     , m_file(FactsOf(m_demuxer->Format()))

@@ -44,12 +44,17 @@ PictureClock::PictureClock(const AVStream& stream)
 void PictureClock::Reset() {
     m_waiting.clear();
     m_counted = 0;
+    m_told = false;
     m_last = 0;
 }
 
 void PictureClock::Sent(const AVPacket& packet) {
     if (packet.pts != AV_NOPTS_VALUE) {
+        m_told = true;
         return;
+    }
+    if (m_told) {
+        return; // follows its neighbour
     }
     if (packet.dts != AV_NOPTS_VALUE) {
         m_waiting.insert(FromStream(packet.dts));

@@ -50,9 +50,9 @@ bool Seek(std::int64_t, std::int64_t) {
     return true;
 }
 
-// A time in units of 100 ns.
+// A time that is cut to so many units of 100 ns, whatever doubles make of it.
 MediaTime At(std::int64_t units) {
-    return {units, 10'000'000};
+    return {2 * units + 1, 20'000'000};
 }
 
 class FastSampleFinder : public testing::Test {
@@ -165,9 +165,14 @@ TEST_F(FastSampleFinder, TimesAreCut) {
     EXPECT_EQ(time, 333'333);
 }
 
-// 41 / 25 s in doubles is a unit short of 1.64 s, where the picture before would do.
+// 41 / 25 s in doubles is a unit short of 1.64 s. That unit belongs to the next picture where a
+// sample lasts until a unit before it, as the reader's samples do.
 TEST_F(FastSampleFinder, EachPictureAnswersToItsOwnTime) {
-    Use(Pictures(100, 400'000));
+    std::vector<Picture> pictures = Pictures(100, 400'000);
+    for (Picture& picture : pictures) {
+        --picture.duration;
+    }
+    Use(std::move(pictures));
     Open();
     for (int i = 0; i < 100; ++i) {
         LONGLONG time = 0;
