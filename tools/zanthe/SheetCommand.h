@@ -24,6 +24,9 @@ struct SheetRequest {
 // library's text when reading fails, Interrupted. In each case the output is what it was before.
 void RunSheet(const SheetRequest& request, std::ostream& out);
 
+// The request as it suits the video: a single cell for one that has a single picture.
+SheetRequest Suited(IVideo& video, const SheetRequest& request);
+
 // The same over a video that is open.
 void WriteSheet(IVideo& video, const SheetRequest& request, std::ostream& out);
 

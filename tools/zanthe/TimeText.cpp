@@ -14,7 +14,8 @@ namespace {
 using Zanthe::MediaTime;
 
 [[noreturn]] void RefuseForm(std::string_view text) {
-    throw std::invalid_argument("'" + std::string(text) + "' is no time");
+    throw std::invalid_argument("'" + std::string(text) +
+                                "' is no time such as 12.5, 1001/30000 or 0:01:02.5");
 }
 
 [[noreturn]] void RefuseSize(std::string_view text) {

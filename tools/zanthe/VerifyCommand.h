@@ -12,6 +12,7 @@
 
 #include "tools/zanthe/IVideo.h"
 #include "tools/zanthe/OpenVideo.h"
+#include "tools/zanthe/SoundAbsence.h"
 #include "zanthe/audio/IAudioReader.h"
 
 namespace Program {
@@ -31,6 +32,9 @@ struct VerifyRequest {
 struct VerifySources {
     std::function<boost::shared_ptr<Zanthe::IAudioReader>()> sound;
     std::function<std::unique_ptr<IVideo>()> video;
+
+    // Asked when there is no sound; empty, or an empty text: what `sound` threw says it all.
+    std::function<SoundAbsence()> whyNoSound = {};
 };
 
 // Verifies the file and says on `out` what was compared.
