@@ -9,7 +9,7 @@ namespace Zanthe {
 const MFAudioSampleFormat& CanonicalFormat();
 
 // What is in it, as plain numbers.
-inline constexpr std::uint32_t CanonicalRate = 44100;    // Hz
+inline constexpr std::uint32_t CanonicalRate = 44100;   // Hz
 inline constexpr std::uint32_t CanonicalBlockAlign = 8; // bytes of a frame
 
 } // namespace Zanthe
