@@ -44,7 +44,7 @@ public:
     std::unique_ptr<win32::HeldFile> Make(const std::string& folder, std::string& path) {
         const std::lock_guard lock(m_mutex);
         Sweep(folder);
-        for (int i = 0; i < MostNames; ++i) {
+        for (int i = 0; i < MostNames && !folder.empty(); ++i) {
             const std::string candidate = (fs::path(folder) / RandomName()).string();
             if (auto file = win32::HeldFile::Create(candidate)) {
                 m_paths.push_back(candidate);
@@ -59,6 +59,7 @@ public:
     void End(const std::string& folder, const std::string& path) {
         const std::lock_guard lock(m_mutex);
         m_paths.remove(path);
+        static_cast<void>(win32::RemoveUnlessHeld(path)); // also where the folder cannot be listed
         Sweep(folder);
     }
 

@@ -76,6 +76,7 @@ TEST_F(Reader, AReadAcrossSamplesHasEveryFrameOnce) {
 }
 
 TEST_F(Reader, OddRatesComeOutExactToo) {
+    m_script->duration = 60 * kUnitsPerSecond;
     for (const int rate : {8000, 11025, 16001, 22050, 96000, 192000}) {
         m_script->samples = SoundSamples(300, 1021, rate);
         MFAudioReader reader(std::string("a.wma"));

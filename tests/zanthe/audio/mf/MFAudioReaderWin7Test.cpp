@@ -23,7 +23,7 @@ class Win7 : public testing::Test {
 protected:
     void Initialize(int rate = 44100) {
         m_script->samples = SoundSamples(400, kFrames, rate);
-        m_script->duration = m_script->samples.back().time + 100'000;
+        m_script->duration = m_script->samples.back().time + 250'000;
         m_script->nativeType->SetGUID(MF_MT_SUBTYPE, MFAudioFormat_Float);
         m_script->nativeType->SetUINT32(MF_MT_AUDIO_BITS_PER_SAMPLE, 32);
         m_script->nativeType->SetUINT32(MF_MT_AUDIO_SAMPLES_PER_SECOND, static_cast<UINT32>(rate));
@@ -132,7 +132,7 @@ TEST_F(Win7, AResamplerThatOnlyFailsIsAnEnd) {
     EXPECT_EQ(Read(0, 10).Frames(), 0U);
     m_resampler->outputResult = S_OK;
     m_resampler->inputResult = MF_E_NOTACCEPTING;
-    EXPECT_EQ(Read(0, 10).Frames(), 0U);
+    EXPECT_EQ(Read(200'000, 10).Frames(), 0U);
 }
 
 } // namespace
