@@ -16,6 +16,8 @@
 #include "platform/mf/Errors.h"
 #include "platform/mf/MediaFormats.h"
 #include "platform/mf/NativeType.h"
+#include "platform/mf/SoundSamples.h"
+#include "platform/mf/SoundSubtypes.h"
 #include "platform/mf/SourceFile.h"
 #include "platform/mf/SourceReaderFactory.h"
 #include "platform/mf/SourceSeekInfo.h"
@@ -76,9 +78,10 @@ struct Stream {
     com::ComPtr<IMFMediaType> native;
     com::ComPtr<IMFMediaType> current;
     bool selected = true;
-    std::unique_ptr<av::VideoStream> pictures; // null until needed
-    std::unique_ptr<ISampleSource> samples;    // null until needed; may use `pictures`
-    std::optional<LONGLONG> position;          // where what is made next is to go on
+    std::unique_ptr<av::VideoStream> pictures; // null until needed, as is the next
+    std::unique_ptr<av::SoundStream> sound;
+    std::unique_ptr<ISampleSource> samples; // null until needed; may use one of them
+    std::optional<LONGLONG> position;       // where what is made next is to go on
 };
 
 // The size that `type` asks for where it is another than the stream's own.
@@ -131,6 +134,8 @@ private:
     HRESULT GiveCopy(IMFMediaType& type, IMFMediaType** copy) const;
     HRESULT UsePixels(Stream& stream, PixelLayout layout, IMFMediaType& type);
     HRESULT UseCompressed(Stream& stream);
+    HRESULT UseSound(Stream& stream, IMFMediaType& type);
+    HRESULT UseNative(Stream& stream);
     HRESULT Begin(Stream& stream, std::unique_ptr<ISampleSource> samples, IMFMediaType& type);
     SampleRead ReadFrom(Stream& stream);
 
@@ -245,11 +250,14 @@ HRESULT SourceReader::SetCurrentMediaType(DWORD streamIndex, DWORD* /*reserved*/
         if (stream == nullptr) {
             return MF_E_INVALIDSTREAMNUMBER;
         }
+        if (stream->facts.kind == av::TrackKind::Audio) {
+            return UseSound(*stream, *type);
+        }
         GUID subtype{};
         GUID native{};
         GUID major{};
-        if (stream->facts.kind != av::TrackKind::Video || FAILED(type->GetMajorType(&major)) ||
-            major != MFMediaType_Video || FAILED(type->GetGUID(MF_MT_SUBTYPE, &subtype))) {
+        if (FAILED(type->GetMajorType(&major)) || major != MFMediaType_Video ||
+            FAILED(type->GetGUID(MF_MT_SUBTYPE, &subtype))) {
             return MF_E_INVALIDMEDIATYPE;
         }
         if (SUCCEEDED(stream->native->GetGUID(MF_MT_SUBTYPE, &native)) && native == subtype) {
@@ -278,6 +286,33 @@ HRESULT SourceReader::UsePixels(Stream& stream, PixelLayout layout, IMFMediaType
 HRESULT SourceReader::UseCompressed(Stream& stream) {
     auto samples = CompressedSamples::Open(m_path, stream.facts.ordinal);
     return samples == nullptr ? E_FAIL : Begin(stream, std::move(samples), *stream.native);
+}
+
+HRESULT SourceReader::UseSound(Stream& stream, IMFMediaType& type) {
+    // What no conversion serves is refused before the file is opened for its sound.
+    if (!ReadSoundType(type, {AV_SAMPLE_FMT_NONE, stream.facts.sampleRate, stream.facts.channels,
+                              stream.facts.layout})) {
+        return MF_E_INVALIDMEDIATYPE;
+    }
+    if (stream.sound == nullptr) {
+        stream.sound = av::SoundStream::Open(m_path, stream.facts.ordinal);
+    }
+    if (stream.sound == nullptr) {
+        return MF_E_TOPO_CODEC_NOT_FOUND;
+    }
+    const auto wanted = ReadSoundType(type, stream.sound->Facts().format);
+    auto samples = wanted ? SoundSamples::Create(*stream.sound, *wanted) : nullptr;
+    return samples == nullptr ? MF_E_INVALIDMEDIATYPE
+                              : Begin(stream, std::move(samples), *CompleteType(type, *wanted));
+}
+
+// Samples as the file holds them; compressed sound is not among what is served.
+HRESULT SourceReader::UseNative(Stream& stream) {
+    if (stream.facts.kind == av::TrackKind::Video) {
+        return UseCompressed(stream);
+    }
+    return IsSoundInMemory(stream.facts) ? UseSound(stream, *stream.native)
+                                         : MF_E_TOPO_CODEC_NOT_FOUND;
 }
 
 // Has the stream go on with `samples`, which are of `type`, where it is now.
@@ -322,10 +357,8 @@ HRESULT SourceReader::SetCurrentPosition(REFGUID timeFormat, REFPROPVARIANT posi
 
 SampleRead SourceReader::ReadFrom(Stream& stream) {
     SampleRead read;
-    if (stream.facts.kind != av::TrackKind::Video) {
-        read.result = MF_E_TOPO_CODEC_NOT_FOUND;
-    } else if (stream.samples == nullptr) {
-        read.result = UseCompressed(stream);
+    if (stream.samples == nullptr) {
+        read.result = UseNative(stream);
     }
     if (SUCCEEDED(read.result)) {
         read = stream.samples->Read();
