@@ -61,8 +61,9 @@ inline constexpr GUID MF_PD_DURATION = {
 // callback is answered, on a thread of this layer.
 //
 // Thread-safety: calls are safe from any thread and come one after the other. In asynchronous mode
-// its last reference may be given back at any moment: requests in flight are then dropped, and the
-// callback is not called any more but for an answer that is just under way.
+// its last reference may be given back at any moment, in a callback too. Requests in flight are
+// then dropped; elsewhere than in a callback that waits for an answer that is just under way, so
+// hold no lock there that the callback takes.
 struct IMFSourceReader : IUnknown {
     virtual HRESULT GetStreamSelection(DWORD streamIndex, BOOL* selected) = 0;
 
@@ -100,8 +101,8 @@ struct IMFSourceReader : IUnknown {
     // the stream is not selected. `controlFlags` is 0.
     //
     // Asynchronous: the four pointers are null, E_INVALIDARG otherwise, and S_OK says that
-    // OnReadSample will be called. MF_E_NOTACCEPTING from Flush to the return of its OnFlush,
-    // and where very many requests are waiting.
+    // OnReadSample will be called. MF_E_NOTACCEPTING from Flush to its OnFlush, and where very many
+    // requests are waiting.
     virtual HRESULT ReadSample(DWORD streamIndex, DWORD controlFlags, DWORD* actualIndex,
                                DWORD* flags, LONGLONG* time, IMFSample** sample) = 0;
 
