@@ -74,7 +74,9 @@ std::int64_t WriteSound(Zanthe::IAudioReader& reader, const AudioRequest& reques
 }
 
 void RunAudio(const AudioRequest& request, std::ostream& out) {
-    const auto reader = OpenAudio(request.file, request.track, request.rate);
+    const auto reader = OpenAudio(
+        request.file,
+        {.track = request.track, .rate = request.rate, .recontainer = request.recontainer});
     RequireOtherFile(request.file, request.output);
     OutputFile output(request.output);
     const std::int64_t frames = WriteSound(*reader, request, output.TemporaryPath(),
