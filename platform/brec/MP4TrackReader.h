@@ -42,10 +42,14 @@ public:
     virtual unsigned int fillAudioBuffer(std::uint64_t startFrame, unsigned int frameCount,
                                          unsigned char* buffer) = 0;
 
-    // Writes the picture shown at `seconds` to `buffer` as 32-bit pixels, top row first, and the
-    // second at which it begins to *outTime. previousTime is the outTime of the call before, in
-    // seconds; the two numbers behind it are 0. False where the track gives no picture: buffer and
-    // *outTime are untouched.
+    // Writes the picture shown at `seconds` to `buffer` as 32-bit pixels (blue, green, red, 255),
+    // the top row first and without padding, and the second at which it begins to *outTime; what is
+    // shown at that second is this picture again. Before the first picture the first is shown.
+    // previousTime is the outTime of the call before, in seconds; the two numbers behind it are 0.
+    //
+    // False, with buffer and *outTime untouched, before the start and behind the end of the track,
+    // where byteCount is less than width() * height() * 4, and where the track gives no picture;
+    // buffer alone may have been touched where memory is short.
     virtual bool decodeFrameAtTime(double seconds, unsigned char* buffer, unsigned int byteCount,
                                    double* outTime, double previousTime, double, double) = 0;
 };

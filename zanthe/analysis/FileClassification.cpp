@@ -120,8 +120,9 @@ ClassifiedBackend BackendFor(const std::wstring& path, MediaFoundationPurpose pu
 // fails to open.
 constexpr std::array<AudioRoute, 1> BuiltAudioRoutes{AudioRoute::Ffmpeg};
 constexpr std::array<VideoRoute, 1> BuiltVideoRoutes{VideoRoute::MediaFoundation};
-constexpr std::array<OwnVideoDecoder, 3> BuiltOwnDecoders{
-    OwnVideoDecoder::None, OwnVideoDecoder::LegacyRecording, OwnVideoDecoder::Gif};
+constexpr std::array<OwnVideoDecoder, 5> BuiltOwnDecoders{
+    OwnVideoDecoder::None, OwnVideoDecoder::LegacyRecording, OwnVideoDecoder::Recording,
+    OwnVideoDecoder::PngMov, OwnVideoDecoder::Gif};
 
 template <typename Routes, typename Route>
 bool IsBuilt(const Routes& built, Route route) {
