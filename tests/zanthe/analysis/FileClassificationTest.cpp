@@ -75,7 +75,9 @@ TEST(ClassifyFile, TellsWhatThisBuildHas) {
     EXPECT_EQ(ClassifyFile("a.orirec!Screen_Stream.avi").videoRoute,
               (ClassifiedRoute{"legacy recording decoder", true}));
     EXPECT_EQ(ClassifyFile("a.avi").videoRoute, (ClassifiedRoute{"DirectShow", false}));
-    EXPECT_EQ(ClassifyFile("a.brec").videoRoute, (ClassifiedRoute{"recording decoder", false}));
+    EXPECT_EQ(ClassifyFile("a.brec").videoRoute, (ClassifiedRoute{"recording decoder", true}));
+    EXPECT_EQ(Made("classify/png.mov").videoRoute,
+              (ClassifiedRoute{"PNG QuickTime decoder", true}));
 }
 
 TEST(ClassifyFile, TellsRotations) {
