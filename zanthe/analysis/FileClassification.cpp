@@ -163,9 +163,11 @@ ClassifiedRoute OwnDecoderRoute(OwnVideoDecoder decoder) {
     return {OwnDecoderName(decoder), IsBuilt(BuiltOwnDecoders, decoder)};
 }
 
-// As the factory decides for stream 0, which is also who opens the file to see.
-ClassifiedRoute FindVideoRoute(const std::string& path) {
-    const auto opensAsPngMov = [&] { return DecoderRoutes().CreatePngMov(path, 0) != nullptr; };
+// As the factory decides, which also opens the file to see.
+ClassifiedRoute FindVideoRoute(const std::string& path, int stream) {
+    const auto opensAsPngMov = [&] {
+        return DecoderRoutes().CreatePngMov(path, stream) != nullptr;
+    };
     const VideoRoute route =
         ChooseVideoRoute(path, true, opensAsPngMov, boost::make_shared<WindowsVersionProvider>());
     switch (route) {
@@ -179,9 +181,9 @@ ClassifiedRoute FindVideoRoute(const std::string& path) {
     return {"DirectShow", IsBuilt(BuiltVideoRoutes, route)};
 }
 
-ClassifiedRoute VideoRouteOf(const std::string& path) {
+ClassifiedRoute VideoRouteOf(const std::string& path, int stream) {
     try {
-        return FindVideoRoute(path);
+        return FindVideoRoute(path, stream);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& failure) {
@@ -317,18 +319,18 @@ void ClassifyFilters(const std::wstring& path, FileClassification& result) {
     }
 }
 
-void ClassifyBackends(const std::wstring& path, FileClassification& result) {
+void ClassifyBackends(const std::wstring& path, int videoStream, FileClassification& result) {
     result.audio = BackendFor(path, MediaFoundationPurpose::Audio, result.pngMov);
     result.videoSamples = BackendFor(path, MediaFoundationPurpose::VideoSamples, result.pngMov);
     result.detection = BackendFor(path, MediaFoundationPurpose::Detection, result.pngMov);
     result.system62 = WindowsVersionProvider().IsWindows62OrLater();
     result.audioRoute = AudioRouteOf(result.path);
-    result.videoRoute = VideoRouteOf(result.path);
+    result.videoRoute = VideoRouteOf(result.path, videoStream);
 }
 
 } // namespace
 
-FileClassification ClassifyFile(const std::string& path) {
+FileClassification ClassifyFile(const std::string& path, int videoStream) {
     const std::wstring widePath = win32::Utf8ToWide(path);
     FileClassification result;
     result.path = path;
@@ -336,7 +338,7 @@ FileClassification ClassifyFile(const std::string& path) {
     result.contents = ContentsName(result.parsed.container);
     ClassifyFilters(widePath, result);
     ClassifyStreams(widePath, result);
-    ClassifyBackends(widePath, result);
+    ClassifyBackends(widePath, videoStream, result);
     result.aacInMp4 = AudioMediaReaderFactory::IsMP4WithAACAudio(path);
     ClassifyTracks(win32::Utf8ToWide(result.parsed.container), result);
     MarkDoubtfulCodecs(result);

@@ -80,6 +80,13 @@ TEST(ClassifyFile, TellsWhatThisBuildHas) {
               (ClassifiedRoute{"PNG QuickTime decoder", true}));
 }
 
+TEST(ClassifyFile, TheRouteIsThatOfTheStreamAskedFor) {
+    const std::string path = MadeMedia("rec-png-third.mov");
+    EXPECT_EQ(ClassifyFile(path).videoRoute.backend, "Media Foundation");
+    EXPECT_EQ(ClassifyFile(path, 2).videoRoute.backend, "PNG QuickTime decoder");
+    EXPECT_EQ(ClassifyFile(path, -1).videoRoute.backend, "PNG QuickTime decoder");
+}
+
 TEST(ClassifyFile, TellsRotations) {
     EXPECT_EQ(Made("mp4-rotate90.mp4").orientation.value().rotation, 90);
     EXPECT_EQ(Made("mp4-rotate180.mp4").orientation.value().rotation, 180);
