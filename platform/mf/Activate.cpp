@@ -28,6 +28,8 @@ public:
         return MF_E_TRANSFORM_TYPE_NOT_SET;
     }
 
+    HRESULT GetAttributes(IMFAttributes** /*attributes*/) override { return E_NOTIMPL; }
+
     HRESULT SetInputType(DWORD /*streamId*/, IMFMediaType* /*type*/, DWORD /*flags*/) override {
         return E_NOTIMPL;
     }

@@ -16,6 +16,7 @@
 #include "platform/mf/Errors.h"
 #include "platform/mf/MediaFormats.h"
 #include "platform/mf/NativeType.h"
+#include "platform/mf/SourceFile.h"
 #include "platform/mf/SourceReaderFactory.h"
 #include "platform/mf/SourceSeekInfo.h"
 #include "platform/mf/VideoSamples.h"
@@ -25,8 +26,6 @@
 namespace mf {
 
 namespace {
-
-constexpr HRESULT kFileNotFound = com::ResultOf(0x80070002);
 
 // What a reader is told when it is made.
 struct Settings {
@@ -447,5 +446,23 @@ HRESULT MFCreateSourceReaderFromURL(LPCWSTR url, IMFAttributes* attributes,
         const mf::SourceReaderFactory factory = mf::CurrentSourceReaderFactory();
         return factory ? factory(url, attributes, reader)
                        : mf::Open(win32::ExistingPath(win32::WideToUtf8(url)), attributes, reader);
+    });
+}
+
+HRESULT MFCreateSourceReaderFromMediaSource(IMFMediaSource* source, IMFAttributes* attributes,
+                                            IMFSourceReader** reader) {
+    if (source == nullptr || reader == nullptr) {
+        return E_POINTER;
+    }
+    *reader = nullptr;
+    return com::Wall([&] {
+        if (const auto factory = mf::CurrentMediaSourceReaderFactory()) {
+            return factory(source, attributes, reader);
+        }
+        com::ComPtr<mf::ISourceFile> file;
+        if (FAILED(source->QueryInterface(mf::IID_ISourceFile, file.PutVoid()))) {
+            return E_NOINTERFACE;
+        }
+        return file->IsShutDown() ? MF_E_SHUTDOWN : mf::Open(file->Path(), attributes, reader);
     });
 }

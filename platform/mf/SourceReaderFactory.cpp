@@ -8,7 +8,8 @@ namespace mf {
 namespace {
 
 std::mutex factoryMutex;
-SourceReaderFactory currentFactory; // guarded by factoryMutex
+SourceReaderFactory currentFactory;            // guarded by factoryMutex
+MediaSourceReaderFactory currentSourceFactory; // guarded by factoryMutex
 
 } // namespace
 
@@ -20,6 +21,16 @@ SourceReaderFactory SetSourceReaderFactory(SourceReaderFactory factory) {
 SourceReaderFactory CurrentSourceReaderFactory() {
     const std::lock_guard lock(factoryMutex);
     return currentFactory;
+}
+
+MediaSourceReaderFactory SetMediaSourceReaderFactory(MediaSourceReaderFactory factory) {
+    const std::lock_guard lock(factoryMutex);
+    return std::exchange(currentSourceFactory, std::move(factory));
+}
+
+MediaSourceReaderFactory CurrentMediaSourceReaderFactory() {
+    const std::lock_guard lock(factoryMutex);
+    return currentSourceFactory;
 }
 
 } // namespace mf

@@ -88,7 +88,24 @@ bool MP4ReadSample(MP4FileHandle file, MP4TrackId track, MP4SampleId sample, std
 // there is no such sample.
 MP4Timestamp MP4GetSampleTime(MP4FileHandle file, MP4TrackId track, MP4SampleId sample);
 
-// Ends the handle. flags play no part for a file that was only read.
+// Units a second of the file itself, by its movie header; 0 where there is no such file.
+std::uint32_t MP4GetTimeScale(MP4FileHandle file);
+
+// A handle on a new file at `path`, which takes the place of what is there, the caller's to give to
+// MP4Close. MP4_INVALID_FILE_HANDLE when it cannot be written. flags: only 0 is offered.
+MP4FileHandle MP4Create(const char* path, std::uint32_t flags);
+
+// Of a file that is being made; false for any other, and for 0.
+bool MP4SetTimeScale(MP4FileHandle file, std::uint32_t unitsPerSecond);
+
+// Puts a copy of the track into `destination`, a file that is being made, samples and their times
+// as they are, and answers its id there. One track is offered. MP4_INVALID_TRACK_ID when it cannot
+// be read or written; edits are not applied to the samples, and hint tracks are not offered: both
+// are left at their defaults by the caller.
+MP4TrackId MP4CopyTrack(MP4FileHandle source, MP4TrackId track, MP4FileHandle destination,
+                        bool applyEdits, MP4TrackId hintReference = MP4_INVALID_TRACK_ID);
+
+// Ends the handle; a file that is being made is complete then. flags play no part.
 void MP4Close(MP4FileHandle file, std::uint32_t flags);
 
 #endif
