@@ -34,11 +34,15 @@ public:
     virtual std::uint32_t height() const = 0;
 
     // Length in frames: pictures of a video track; of an audio track sample frames at the rate of
-    // the format that the reader was made with, counting every frame that begins inside the track.
+    // the format that the reader was made with, from the recording's time 0 on, counting every
+    // frame that begins before the track ends.
     virtual std::uint64_t lengthInFrames() const = 0;
 
-    // Writes the sample frames [startFrame, startFrame + frameCount) to `buffer` in the reader's
-    // format and answers how many were written. 0 where the track gives no sound.
+    // Writes the sample frames [startFrame, startFrame + frameCount) to `buffer`, interleaved, in
+    // the reader's format, and answers how many were written: fewer at the end of the sound, and
+    // where the file cannot be read on. 0 where the track gives no sound. Frame n is what sounds n
+    // / rate seconds from the recording's time 0, silence where the track begins later; it is the
+    // same whatever was read before.
     virtual unsigned int fillAudioBuffer(std::uint64_t startFrame, unsigned int frameCount,
                                          unsigned char* buffer) = 0;
 

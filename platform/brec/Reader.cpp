@@ -7,6 +7,7 @@
 #include "platform/av/TrackList.h"
 #include "platform/brec/DescribedTrack.h"
 #include "platform/brec/PictureTrack.h"
+#include "platform/brec/SoundTrack.h"
 #include "platform/win32/Path.h"
 
 namespace BREC {
@@ -16,12 +17,16 @@ namespace {
 // How many tracks of a kind the recording has had so far.
 struct Ordinals {
     int pictures = 0;
+    int sound = 0;
 };
 
 boost::shared_ptr<MP4TrackReader> MakeTrack(av::Track track, const AudioFormat& format,
                                             const std::string& path, Ordinals& next) {
     if (track.kind == av::TrackKind::Video) {
         return boost::make_shared<PictureTrack>(std::move(track), format, path, next.pictures++);
+    }
+    if (track.kind == av::TrackKind::Audio) {
+        return boost::make_shared<SoundTrack>(std::move(track), format, path, next.sound++);
     }
     return boost::make_shared<DescribedTrack>(std::move(track), format);
 }
