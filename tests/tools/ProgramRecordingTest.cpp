@@ -1,5 +1,7 @@
 // The commands on recordings: the screen stream of a legacy one, tracks of a ".brec" file, PNG
 // images in QuickTime.
+#include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 
@@ -122,6 +124,47 @@ INSTANTIATE_TEST_SUITE_P(
         std::erase_if(name, [](char each) { return std::isalnum(each) == 0; });
         return name;
     });
+
+// What comes is what the header tells, whatever rate is asked for.
+TEST(ProgramRecordings, SoundIsWrittenAtItsOwnRate) {
+    TemporaryFolder folder;
+    const std::string path = MadeMedia("rec-sounds.brec");
+    const auto json = nlohmann::json::parse(
+        RunProgram({"audio", path, "--rate", "48000", "--json", "-o", folder / "out.wav"}).out);
+    EXPECT_EQ(json["rate"], 44100);
+    EXPECT_EQ(json["frames"], 132300);
+    EXPECT_EQ(json["seconds"], 3.0);
+    const std::string wav = ReadWholeFile(folder / "out.wav");
+    std::uint32_t rate = 0;
+    std::memcpy(&rate, wav.data() + 24, sizeof rate);
+    EXPECT_EQ(rate, 44100U);
+    const std::string samples =
+        OutputOf("ffmpeg -nostdin -v error -i '" + path + "' -map 0:0 -f s16le -");
+    EXPECT_TRUE(wav.ends_with(samples)); // they are the recording's own
+}
+
+TEST(ProgramRecordings, SoundIsTheSameInEveryOrder) {
+    for (const char* name : {"rec-sounds.brec", "rec-tracks.brec", "rec-late-sound.brec"}) {
+        const ProgramEnd end = RunProgram({"verify", MadeMedia(name), "--audio", "--rate", "48000",
+                                           "--seeks", "50", "--seed", "3"});
+        EXPECT_EQ(end.status, 0) << end.out << end.err;
+        EXPECT_THAT(end.out, HasSubstr(" at 44100 Hz, stereo; seed 3\n"));
+    }
+}
+
+// The first track is of pictures.
+TEST(ProgramRecordings, WithoutATrackTheFirstSoundIsTaken) {
+    TemporaryFolder folder;
+    const std::string path = MadeMedia("rec-tracks.brec");
+    ASSERT_EQ(RunProgram({"audio", path, "-o", folder / "first.wav"}).status, 0);
+    ASSERT_EQ(RunProgram({"audio", path, "--track", "1", "-o", folder / "1.wav"}).status, 0);
+    ASSERT_EQ(RunProgram({"audio", path, "--track", "3", "-o", folder / "3.wav"}).status, 0);
+    EXPECT_EQ(ReadWholeFile(folder / "first.wav"), ReadWholeFile(folder / "1.wav"));
+    EXPECT_NE(ReadWholeFile(folder / "first.wav"), ReadWholeFile(folder / "3.wav"));
+    const ProgramEnd none = RunProgram({"audio", path, "--track", "0", "-o", folder / "none.wav"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.err, "zanthe: " + path + ": holds no sound\n");
+}
 
 TEST(ProgramRecordings, TheAlphaOfAPngImageIsKept) {
     TemporaryFolder folder;

@@ -118,7 +118,7 @@ ClassifiedBackend BackendFor(const std::wstring& path, MediaFoundationPurpose pu
 
 // What this build has a backend behind; None needs none. A route that is chosen and missing here
 // fails to open.
-constexpr std::array<AudioRoute, 1> BuiltAudioRoutes{AudioRoute::Ffmpeg};
+constexpr std::array<AudioRoute, 2> BuiltAudioRoutes{AudioRoute::Ffmpeg, AudioRoute::Recording};
 constexpr std::array<VideoRoute, 1> BuiltVideoRoutes{VideoRoute::MediaFoundation};
 constexpr std::array<OwnVideoDecoder, 5> BuiltOwnDecoders{
     OwnVideoDecoder::None, OwnVideoDecoder::LegacyRecording, OwnVideoDecoder::Recording,

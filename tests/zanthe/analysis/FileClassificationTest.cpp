@@ -69,6 +69,7 @@ TEST(ClassifyFile, RoutesAreThoseOfThisSystem) {
 
 TEST(ClassifyFile, TellsWhatThisBuildHas) {
     EXPECT_EQ(ClassifyFile("a.mp3").audioRoute, (ClassifiedRoute{"FFmpeg", true}));
+    EXPECT_EQ(ClassifyFile("a.brec").audioRoute, (ClassifiedRoute{"recording", true}));
     EXPECT_EQ(ClassifyFile("a.mp4").audioRoute, (ClassifiedRoute{"Media Foundation", false}));
     EXPECT_EQ(ClassifyFile("a.mp4").videoRoute, (ClassifiedRoute{"Media Foundation", true}));
     EXPECT_EQ(ClassifyFile("a.gif").videoRoute, (ClassifiedRoute{"GIF decoder", true}));
