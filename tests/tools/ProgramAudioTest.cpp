@@ -229,12 +229,6 @@ TEST(ProgramAudio, ACopyOfTheTrackGivesTheSameSoundAndGoes) {
     unsetenv("TMPDIR");
 }
 
-TEST(ProgramAudio, SoundOfOneRateIsNotWrittenAsAnother) {
-    TemporaryFolder folder;
-    const std::string in = folder.Write("clip.brec", "x");
-    ExpectRefused({in, "--rate", "48000"}, in + ": comes at 44100 Hz alone");
-}
-
 TEST(ProgramAudio, RefusesARecordingWithoutSound) {
     TemporaryFolder folder;
     const std::string in = folder.Write("clip.brec", "x");

@@ -214,7 +214,7 @@ void RunBench(const BenchRequest& request, std::ostream& out) {
     RequireReadableFile(Zanthe::ContainerPathOf(request.file));
     const AudioChoice audio{.rate = request.soundPlan.rate};
     Bench({.video = [&] { return OpenVideo(request.file, request.choice); },
-           .sound = [&] { return OpenAudio(request.file, audio); }},
+           .sound = [&] { return OpenAudio(request.file, audio).reader; }},
           request, out);
 }
 

@@ -172,7 +172,7 @@ namespace {
 // Null where the file has none, or none that can be read: a sheet does without.
 boost::shared_ptr<Zanthe::IAudioReader> SoundOf(const std::string& file) {
     try {
-        return OpenAudio(file, {.rate = SheetSoundRate});
+        return OpenAudio(file, {.rate = SheetSoundRate}).reader;
     } catch (const CommandError&) {
         return nullptr;
     }

@@ -28,7 +28,10 @@ void AddJson(CLI::App& command, bool& json) {
 }
 
 void AddRate(CLI::App& command, int& rate) {
-    command.add_option("--rate", rate, "Sample rate of the sound read, in Hz, 1000 to 768000")
+    command
+        .add_option("--rate", rate,
+                    "Sample rate of the sound read, in Hz, 1000 to 768000; of recordings and "
+                    "of what filter graphs read, 44100 whatever is given")
         ->type_name("HZ")
         ->transform(WholeNumber(1000, 768000))
         ->capture_default_str();
