@@ -45,11 +45,16 @@ std::string Entry(std::uint32_t tag, std::uint32_t type, std::uint32_t count, st
     return Little(tag, 2) + Little(type, 2) + Little(count, 4) + Little(value, 4);
 }
 
+// Of an animated PNG file, ffmpeg would show the first frame and not the picture.
+std::string Demuxer(const std::string& path) {
+    return path.ends_with(".png") ? "-f png_pipe " : "";
+}
+
 } // namespace
 
 std::optional<BgraPicture> FfmpegPicture(const std::string& path) {
     const std::string pam =
-        OutputOf("ffmpeg -nostdin -v quiet -noautorotate -i " + Quoted(path) +
+        OutputOf("ffmpeg -nostdin -v quiet -noautorotate " + Demuxer(path) + "-i " + Quoted(path) +
                  " -frames:v 1 -sws_flags accurate_rnd+full_chroma_int+full_chroma_inp+bitexact"
                  " -f image2pipe -c:v pam -pix_fmt rgba -");
     const std::size_t end = pam.find("ENDHDR\n");
