@@ -162,7 +162,11 @@ HRESULT VipsFile::ReadHeader() {
         return WINCODEC_ERR_IMAGESIZEOUTOFRANGE;
     }
     m_isJpeg = loader == JpegLoader;
-    const bool premultiplied = loader == TiffLoader && IsPremultipliedRgba(*m_file);
+    const TiffTags tags = loader == TiffLoader ? ReadTiffTags(*m_file) : TiffTags();
+    if (IsYcbcrThatStaysSo(tags)) {
+        return WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT;
+    }
+    const bool premultiplied = IsPremultipliedRgba(tags);
     m_shape = {static_cast<UINT>(image->Xsize), static_cast<UINT>(image->Ysize),
                premultiplied ? GUID_WICPixelFormat32bppPBGRA : FormatOf(image), DpiOf(image->Xres),
                DpiOf(image->Yres)};

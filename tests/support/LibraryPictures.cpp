@@ -120,7 +120,7 @@ std::optional<BgraPicture> LibjpegPicture(const std::string& path) {
 std::optional<BgraPicture> LibtiffPicture(const std::string& path) {
     TIFFSetWarningHandler(nullptr);
     TIFFSetErrorHandler(nullptr);
-    const std::unique_ptr<TIFF, void (*)(TIFF*)> tiff(TIFFOpen(path.c_str(), "rm"), TIFFClose);
+    const std::unique_ptr<TIFF, void (*)(TIFF*)> tiff(TIFFOpen(path.c_str(), "r"), TIFFClose);
     uint32_t width = 0;
     uint32_t height = 0;
     uint16_t orientation = ORIENTATION_TOPLEFT;
@@ -130,7 +130,7 @@ std::optional<BgraPicture> LibtiffPicture(const std::string& path) {
     }
     TIFFGetFieldDefaulted(tiff.get(), TIFFTAG_ORIENTATION, &orientation);
     std::vector<uint32_t> raster(std::size_t{width} * height);
-    if (TIFFReadRGBAImageOriented(tiff.get(), width, height, raster.data(), orientation, 1) == 0) {
+    if (TIFFReadRGBAImageOriented(tiff.get(), width, height, raster.data(), orientation, 0) == 0) {
         return std::nullopt;
     }
     BgraPicture picture{static_cast<int>(width), static_cast<int>(height), {}};

@@ -1,6 +1,7 @@
 // The pictures of other people, against the ffmpeg program.
 #include <algorithm>
 #include <array>
+#include <set>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -45,6 +46,11 @@ std::optional<BgraPicture> FfmpegShown(const std::string& path) {
     return picture ? std::optional(Premultiplied(*picture)) : std::nullopt;
 }
 
+std::optional<BgraPicture> DeepFfmpegShown(const std::string& path) {
+    const auto picture = DeepFfmpegPicture(path);
+    return picture ? std::optional(Premultiplied(*picture)) : std::nullopt;
+}
+
 std::optional<BgraPicture> LibpngPicture(const std::string& path) {
     try {
         const PngPicture png = ReadPng(path);
@@ -73,9 +79,10 @@ TEST(MadePictures, EqualWhatFfmpegShows) {
         RequireMade(name, FfmpegShown, 0);
     }
     for (const char* name :
-         {"gray16be.png", "ya16be.png", "rgb48be.png", "rgba64be.png", "rgb48.tiff", "gray.jpg"}) {
-        RequireMade(name, FfmpegShown, 1);
+         {"gray16be.png", "ya16be.png", "rgb48be.png", "rgba64be.png", "rgb48.tiff"}) {
+        RequireMade(name, DeepFfmpegShown, 0);
     }
+    RequireMade("gray.jpg", FfmpegShown, 1);
     // Chroma without subsampling: what is left is how the two round.
     RequireMade("upright.jpg", FfmpegShown, 4);
     RequireMade("progressive.jpg", FfmpegShown, 4);
@@ -166,6 +173,18 @@ std::optional<int> Distance(const BgraPicture& ours, const fs::path& file,
     return nearest;
 }
 
+// Where none of the decoders is a measure.
+bool IsKnownToDiffer(const fs::path& file) {
+    static const std::set<std::string> names = {
+        // ffmpeg shows its transparent gray, libpng applies the exponent that the file names.
+        "pngsuite__tbbn0g04.png",
+        // Lab has no white of its own: libtiff takes another than libvips.
+        "Pillow__lab.tif", "Pillow__lab-green.tif",
+        // CMYK of 16 bits, which libtiff refuses and ffmpeg takes for red, green, blue and alpha.
+        "image-tiff__seq-4c-16b-cmyk-c6e52592.tiff"};
+    return names.count(NameOf(file)) != 0;
+}
+
 Tally Compare(const std::vector<fs::path>& files, const std::vector<Decoder>& decoders,
               int difference) {
     Tally tally;
@@ -174,7 +193,7 @@ Tally Compare(const std::vector<fs::path>& files, const std::vector<Decoder>& de
         tally.shown += ours.has_value();
         const auto distance = ours ? Distance(*ours, file, decoders) : std::nullopt;
         tally.compared += distance.has_value();
-        if (distance.value_or(0) > difference) {
+        if (distance.value_or(0) > difference && !IsKnownToDiffer(file)) {
             tally.odd.push_back(NameOf(file) + ":" + std::to_string(*distance));
         }
     }
@@ -194,7 +213,7 @@ TEST(RealPictures, Png) {
     if (files.empty()) {
         GTEST_SKIP() << "no real media here";
     }
-    const Tally tally = Compare(files, {FfmpegShown, LibpngPicture}, 1);
+    const Tally tally = Compare(files, {FfmpegShown, DeepFfmpegShown, LibpngPicture}, 0);
     EXPECT_GT(tally.shown, 150);
     EXPECT_GT(tally.compared, 150);
     EXPECT_EQ(Joined(tally.odd), "");
