@@ -15,7 +15,7 @@ packages_build=(
     libyuv-dev libpng-dev libcairo2-dev libvips-dev libgif-dev libpoppler-glib-dev
     libboost-dev libcli11-dev nlohmann-json3-dev libinih-dev libgsf-1-dev
     libgtest-dev libgmock-dev libbenchmark-dev
-    libjpeg-dev libtiff-dev libwebp-dev libvips-tools)
+    libjpeg-dev libtiff-dev libwebp-dev zlib1g-dev libvips-tools)
 packages_check=(clang-14 libclang-rt-14-dev clang-tidy-14 clang-format-14 libffms2-dev)
 
 say() {
