@@ -1,5 +1,9 @@
 find_package(GTest REQUIRED)
 include(GoogleTest)
+# Decoders that pictures are compared with.
+pkg_check_modules(PICTURE_FORMATS REQUIRED IMPORTED_TARGET libjpeg libtiff-4 libwebp)
+# Makes files that unfold.
+find_package(ZLIB REQUIRED)
 
 # All test programs that the thread sanitizer is to look at.
 add_custom_target(zanthe_thread_tests)
