@@ -1,25 +1,23 @@
 #include "platform/mf/SourceReaderFactory.h"
 
-#include <mutex>
 #include <utility>
+
+#include "platform/com/Replaceable.h"
 
 namespace mf {
 
 namespace {
 
-std::mutex factoryMutex;
-SourceReaderFactory currentFactory; // guarded by factoryMutex
+com::Replaceable<SourceReaderFactory> currentFactory;
 
 } // namespace
 
 SourceReaderFactory SetSourceReaderFactory(SourceReaderFactory factory) {
-    const std::lock_guard lock(factoryMutex);
-    return std::exchange(currentFactory, std::move(factory));
+    return currentFactory.Replace(std::move(factory));
 }
 
 SourceReaderFactory CurrentSourceReaderFactory() {
-    const std::lock_guard lock(factoryMutex);
-    return currentFactory;
+    return currentFactory.Current();
 }
 
 } // namespace mf

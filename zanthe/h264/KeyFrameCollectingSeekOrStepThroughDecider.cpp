@@ -10,8 +10,8 @@
 #include "platform/win32/Event.h"
 #include "platform/win32/Thread.h"
 #include "platform/win32/Wait.h"
-#include "zanthe/h264/H264KeyframeCollector_MP4V2.h"
 #include "zanthe/h264/KeyFrameCache.h"
+#include "zanthe/h264/KeyframeCollectorFactory.h"
 
 namespace Zanthe {
 
@@ -53,7 +53,7 @@ private:
 KeyFrameCollectingSeekOrStepThroughDecider::KeyFrameCollectingSeekOrStepThroughDecider(
     const std::string& path, int streamIndex, std::int64_t firstSampleTime, GUID subtype)
     : KeyFrameCollectingSeekOrStepThroughDecider(path, streamIndex, firstSampleTime, subtype,
-                                                 std::make_unique<H264KeyframeCollector_MP4V2>()) {}
+                                                 MakeKeyframeCollector()) {}
 
 KeyFrameCollectingSeekOrStepThroughDecider::KeyFrameCollectingSeekOrStepThroughDecider(
     const std::string& path, int streamIndex, std::int64_t firstSampleTime, GUID subtype,
