@@ -173,6 +173,12 @@ bool FileVideoStream::Begin(Landing::Place place, std::int64_t keepFrom, bool de
     const bool fromStart = place == Landing::Place::Start;
     // Some decoders give other pictures at the start of a file than they do later, so what is read
     // from there is always read by a new one.
+    if (fromStart) {
+        // A decoder's memory goes back when the last of its pictures does, all of it together: one
+        // picture kept of each decoder before would hold as much as the whole cache may.
+        PictureCache::Shared().Forget(m_owner);
+        m_trail.clear();
+    }
     if (!fromStart || !m_decoder->Reset()) {
         m_decoder->Flush();
     }
