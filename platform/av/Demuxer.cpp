@@ -33,8 +33,8 @@ bool HasSideData(const AVPacket& packet, AVPacketSideDataType type) {
 
 } // namespace
 
-std::unique_ptr<Demuxer> Demuxer::Open(const std::string& path, int ordinal) {
-    std::unique_ptr<Demuxer> demuxer(new Demuxer(path, ordinal));
+std::unique_ptr<Demuxer> Demuxer::Open(const std::string& path, int ordinal, TrackKind kind) {
+    std::unique_ptr<Demuxer> demuxer(new Demuxer(path, ordinal, kind));
     if (!demuxer->Reopen()) {
         return nullptr;
     }
@@ -56,12 +56,12 @@ bool Demuxer::Reopen() {
         avformat_find_stream_info(m_format.get(), nullptr) < 0) {
         return false;
     }
-    m_stream = FindVideoStream(*m_format, m_ordinal);
+    m_stream = FindStream(*m_format, m_kind, m_ordinal);
     if (m_stream < 0) {
         return false;
     }
     DiscardOthers(*m_format, m_stream);
-    if (!ReordersFreely(Stream())) {
+    if (m_kind == TrackKind::Video && !ReordersFreely(Stream())) {
         // Where only decode times are stored, those of presentation follow from them and from
         // which pictures others are predicted from.
         m_format->flags |= AVFMT_FLAG_GENPTS;
@@ -77,6 +77,7 @@ bool Demuxer::MissesTimes() const {
 bool Demuxer::IsEncrypted(const AVPacket& first) const {
     const std::uint32_t tag = Stream().codecpar->codec_tag;
     return tag == MKTAG('e', 'n', 'c', 'v') || tag == MKTAG('d', 'r', 'm', 'i') ||
+           tag == MKTAG('e', 'n', 'c', 'a') || tag == MKTAG('d', 'r', 'm', 's') ||
            HasSideData(first, AV_PKT_DATA_ENCRYPTION_INFO) ||
            av_stream_get_side_data(&Stream(), AV_PKT_DATA_ENCRYPTION_INIT_INFO, nullptr) != nullptr;
 }

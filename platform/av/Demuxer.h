@@ -1,4 +1,4 @@
-// The packets of one video stream of a file.
+// The packets of one stream of pictures or sound of a file.
 #pragma once
 
 #include <cstdint>
@@ -7,15 +7,17 @@
 #include <string>
 
 #include "platform/av/Handles.h"
+#include "platform/av/StreamFacts.h"
 
 namespace av {
 
 // Thread-safety: none.
 class Demuxer {
 public:
-    // Null where `path` cannot be opened, has no video stream of that ordinal (attached pictures
+    // Null where `path` cannot be opened, has no stream of that ordinal and kind (attached pictures
     // are not counted) or keeps it encrypted.
-    static std::unique_ptr<Demuxer> Open(const std::string& path, int ordinal);
+    static std::unique_ptr<Demuxer> Open(const std::string& path, int ordinal,
+                                         TrackKind kind = TrackKind::Video);
 
     const AVFormatContext& Format() const { return *m_format; }
 
@@ -67,9 +69,10 @@ private:
 
     static Mark MarkOf(const AVPacket& packet);
 
-    Demuxer(std::string path, int ordinal)
+    Demuxer(std::string path, int ordinal, TrackKind kind)
         : m_path(std::move(path))
-        , m_ordinal(ordinal) {}
+        , m_ordinal(ordinal)
+        , m_kind(kind) {}
 
     bool Reopen();
     bool RewindBySeeking();
@@ -78,6 +81,7 @@ private:
 
     std::string m_path;
     int m_ordinal;
+    TrackKind m_kind;
     int m_stream = 0;
     FormatContextPtr m_format;
     PacketPtr m_pending; // read to look at it; handed out by the next Read

@@ -50,7 +50,7 @@ std::unique_ptr<PictureTimeline> PictureTimeline::Open(const std::string& path, 
     if (OpenInput(context, path) < 0) {
         return nullptr;
     }
-    const int stream = FindVideoStream(*context, ordinal);
+    const int stream = FindStream(*context, TrackKind::Video, ordinal);
     if (stream < 0 || !OnePacketIsOnePicture(*context, *context->streams[stream])) {
         return nullptr;
     }

@@ -1,13 +1,11 @@
 #include "platform/av/StreamChoice.h"
 
-#include "platform/av/StreamFacts.h"
-
 namespace av {
 
-int FindVideoStream(const AVFormatContext& context, int ordinal) {
+int FindStream(const AVFormatContext& context, TrackKind kind, int ordinal) {
     for (unsigned int i = 0; i < context.nb_streams; ++i) {
         const AVStream& stream = *context.streams[i];
-        if (KindOf(stream) == TrackKind::Video && !IsCover(stream) && ordinal-- == 0) {
+        if (KindOf(stream) == kind && !IsCover(stream) && ordinal-- == 0) {
             return static_cast<int>(i);
         }
     }

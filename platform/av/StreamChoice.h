@@ -2,12 +2,13 @@
 #pragma once
 
 #include "platform/av/Handles.h"
+#include "platform/av/StreamFacts.h"
 
 namespace av {
 
-// The index of the file's video stream number `ordinal`, attached pictures not counted; -1 where
-// there are not so many.
-int FindVideoStream(const AVFormatContext& context, int ordinal);
+// The index of the file's stream number `ordinal` of that kind, attached pictures not counted; -1
+// where there are not so many.
+int FindStream(const AVFormatContext& context, TrackKind kind, int ordinal);
 
 // Has the demuxer pass over all streams but `kept`.
 void DiscardOthers(AVFormatContext& context, int kept);

@@ -29,6 +29,7 @@ inline constexpr HRESULT E_NOTIMPL = com::ResultOf(0x80004001);
 inline constexpr HRESULT E_NOINTERFACE = com::ResultOf(0x80004002);
 inline constexpr HRESULT E_POINTER = com::ResultOf(0x80004003);
 inline constexpr HRESULT E_ABORT = com::ResultOf(0x80004004);
+inline constexpr HRESULT E_BOUNDS = com::ResultOf(0x8000000B);
 inline constexpr HRESULT E_FAIL = com::ResultOf(0x80004005);
 inline constexpr HRESULT E_UNEXPECTED = com::ResultOf(0x8000FFFF);
 inline constexpr HRESULT RPC_E_CHANGED_MODE = com::ResultOf(0x80010106);

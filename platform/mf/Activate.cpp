@@ -9,6 +9,7 @@
 #include "platform/av/CodecList.h"
 #include "platform/com/TaskMemory.h"
 #include "platform/mf/AttributeStore.h"
+#include "platform/mf/CodecEnumerator.h"
 #include "platform/mf/CodecSubtypes.h"
 #include "platform/mf/MediaFormats.h"
 #include "platform/mf/Transform.h"
@@ -27,6 +28,8 @@ public:
     HRESULT GetOutputStreamInfo(DWORD /*streamId*/, MFT_OUTPUT_STREAM_INFO* /*info*/) override {
         return MF_E_TRANSFORM_TYPE_NOT_SET;
     }
+
+    HRESULT GetAttributes(IMFAttributes** /*attributes*/) override { return E_NOTIMPL; }
 
     HRESULT SetInputType(DWORD /*streamId*/, IMFMediaType* /*type*/, DWORD /*flags*/) override {
         return E_NOTIMPL;
@@ -170,6 +173,10 @@ HRESULT MFTEnumEx(GUID category, UINT32 flags, const MFT_REGISTER_TYPE_INFO* inp
     }
     *activates = nullptr;
     *count = 0;
+    if (const mf::CodecEnumerator enumerator = mf::CurrentCodecEnumerator()) {
+        return com::Wall(
+            [&] { return enumerator(category, flags, input, output, activates, count); });
+    }
     const auto use = mf::UseOf(category);
     if (!use) {
         return E_INVALIDARG;

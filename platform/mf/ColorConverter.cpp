@@ -92,6 +92,8 @@ public:
         return S_OK;
     }
 
+    HRESULT GetAttributes(IMFAttributes** /*attributes*/) override { return E_NOTIMPL; }
+
     HRESULT SetInputType(DWORD streamId, IMFMediaType* type, DWORD flags) override {
         return SetType(streamId, type, flags, MFVideoFormat_NV12, m_input, m_output);
     }

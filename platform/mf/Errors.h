@@ -21,6 +21,7 @@ inline constexpr HRESULT MF_E_INVALID_POSITION = com::ResultOf(0xC00D36E5);
 inline constexpr HRESULT MF_E_ATTRIBUTENOTFOUND = com::ResultOf(0xC00D36E6);
 inline constexpr HRESULT MF_E_TOPO_CODEC_NOT_FOUND = com::ResultOf(0xC00D5212);
 inline constexpr HRESULT MF_E_TRANSFORM_TYPE_NOT_SET = com::ResultOf(0xC00D6D60);
+inline constexpr HRESULT MF_E_SHUTDOWN = com::ResultOf(0xC00D3E85);
 inline constexpr HRESULT MF_E_TRANSFORM_NEED_MORE_INPUT = com::ResultOf(0xC00D6D72);
 inline constexpr HRESULT MF_E_DXGI_DEVICE_NOT_INITIALIZED = com::ResultOf(0x80041000);
 inline constexpr HRESULT MF_E_DXGI_NEW_VIDEO_DEVICE = com::ResultOf(0x80041001);

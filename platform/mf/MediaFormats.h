@@ -97,6 +97,16 @@ inline constexpr GUID MF_MT_AUDIO_AVG_BYTES_PER_SECOND = { // UINT32
     0xCFEF,
     0x451C,
     {0xAB, 0x95, 0xAC, 0x03, 0x4B, 0x8E, 0x17, 0x31}};
+inline constexpr GUID MF_MT_AUDIO_CHANNEL_MASK = { // UINT32: SPEAKER_... of each channel
+    0x55FB5765,
+    0x644A,
+    0x4CAF,
+    {0x84, 0x79, 0x93, 0x89, 0x83, 0xBB, 0x15, 0x88}};
+inline constexpr GUID MF_MT_AUDIO_VALID_BITS_PER_SAMPLE = { // UINT32
+    0xD9BF8D6A,
+    0x9530,
+    0x4B7C,
+    {0x9D, 0xDF, 0xFF, 0x6F, 0xD5, 0x8B, 0xBD, 0x06}};
 
 // Of a sample, UINT32: whether nothing before it is needed to decode it.
 inline constexpr GUID MFSampleExtension_CleanPoint = {
@@ -138,6 +148,26 @@ inline constexpr GUID MFVideoFormat_AV1 = CodedSubtype("AV01");
 // Sound in memory, by its WAVE_FORMAT tag.
 inline constexpr GUID MFAudioFormat_PCM = CodedSubtype(1);
 inline constexpr GUID MFAudioFormat_Float = CodedSubtype(3);
+
+// Compressed sound.
+inline constexpr GUID MFAudioFormat_AAC = CodedSubtype(0x1610);
+inline constexpr GUID MFAudioFormat_ADTS = CodedSubtype(0x1600);
+inline constexpr GUID MFAudioFormat_MPEG = CodedSubtype(0x50);
+inline constexpr GUID MFAudioFormat_MP3 = CodedSubtype(0x55);
+inline constexpr GUID MFAudioFormat_DTS = CodedSubtype(0x8);
+inline constexpr GUID MFAudioFormat_ALAC = CodedSubtype(0x6C61);
+inline constexpr GUID MFAudioFormat_FLAC = CodedSubtype(0xF1AC);
+inline constexpr GUID MFAudioFormat_Opus = CodedSubtype(0x704F);
+inline constexpr GUID MFAudioFormat_AMR_NB = CodedSubtype(0x7361);
+inline constexpr GUID MFAudioFormat_AMR_WB = CodedSubtype(0x7362);
+inline constexpr GUID MFAudioFormat_MSP1 = CodedSubtype(0xA);
+inline constexpr GUID MFAudioFormat_WMAudioV8 = CodedSubtype(0x161);
+inline constexpr GUID MFAudioFormat_WMAudioV9 = CodedSubtype(0x162);
+inline constexpr GUID MFAudioFormat_WMAudio_Lossless = CodedSubtype(0x163);
+inline constexpr GUID MFAudioFormat_Dolby_AC3 = {
+    0xE06D802C, 0xDB46, 0x11CF, {0xB4, 0xD1, 0x00, 0x80, 0x5F, 0x6C, 0xBB, 0xEA}};
+inline constexpr GUID MFAudioFormat_Dolby_DDPlus = {
+    0xA7FB87AF, 0x2D02, 0x42FB, {0xA4, 0xD4, 0x05, 0xCD, 0x93, 0x84, 0x3B, 0xDD}};
 
 enum MFVideoInterlaceMode : UINT32 {
     MFVideoInterlace_Unknown = 0,

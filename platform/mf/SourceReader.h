@@ -8,8 +8,10 @@
 
 #include "platform/com/PropVariant.h"
 #include "platform/mf/Attributes.h"
+#include "platform/mf/MediaSource.h"
 #include "platform/mf/MediaType.h"
 #include "platform/mf/Sample.h"
+#include "platform/mf/SourceReaderCallback.h"
 
 inline constexpr IID IID_IMFSourceReader = {
     0x70AE66F2, 0xC809, 0x4E4F, {0x89, 0x15, 0xBD, 0xCB, 0x40, 0x6B, 0x79, 0x93}};
@@ -55,7 +57,13 @@ inline constexpr GUID MF_PD_DURATION = {
 // file's sound and video streams in its order, without attached pictures; all are selected at the
 // start and give their native type.
 //
-// Thread-safety: calls are safe from any thread and come one after the other.
+// With MF_SOURCE_READER_ASYNC_CALLBACK it is asynchronous: ReadSample and Flush only ask, and the
+// callback is answered, on a thread of this layer.
+//
+// Thread-safety: calls are safe from any thread and come one after the other. In asynchronous mode
+// its last reference may be given back at any moment, in a callback too. Requests in flight are
+// then dropped; elsewhere than in a callback that waits for an answer that is just under way, so
+// hold no lock there that the callback takes.
 struct IMFSourceReader : IUnknown {
     virtual HRESULT GetStreamSelection(DWORD streamIndex, BOOL* selected) = 0;
 
@@ -71,25 +79,38 @@ struct IMFSourceReader : IUnknown {
     virtual HRESULT GetCurrentMediaType(DWORD streamIndex, IMFMediaType** type) = 0;
 
     // Has the stream give samples of the type: its native one, compressed; MFVideoFormat_NV12; and
-    // with advanced video processing MFVideoFormat_ARGB32 and MFVideoFormat_RGB32.
-    // MF_E_INVALIDMEDIATYPE for others, MF_E_TOPO_CODEC_NOT_FOUND where nothing decodes the stream.
+    // with advanced video processing MFVideoFormat_ARGB32 and MFVideoFormat_RGB32; of sound
+    // MFAudioFormat_PCM (8, 16, 24 or 32 bits) and MFAudioFormat_Float (32 bits), of any rate and
+    // 1 to 8 channels. What the type does not say of sound is as in the stream, and 16 bits for PCM
+    // of compressed sound. MF_E_INVALIDMEDIATYPE for others, MF_E_TOPO_CODEC_NOT_FOUND where
+    // nothing decodes the stream, MF_E_INVALIDREQUEST while an asynchronous request is in flight.
     // `reserved` is null.
     virtual HRESULT SetCurrentMediaType(DWORD streamIndex, DWORD* reserved, IMFMediaType* type) = 0;
 
     // The next sample of each stream is the one shown at `position`, VT_I8 in units of 100 ns, the
-    // only `timeFormat` (GUID_NULL). A position before the start is the start; behind the end of a
-    // stream comes its last sample, and then its end. Compressed samples go on from the key frame
-    // at or before it.
+    // only `timeFormat` (GUID_NULL). For pictures that is the one shown a unit later: a position
+    // one unit before a picture, which its time cut to whole units may be, gives that picture. A
+    // position before the start is the start; behind the end of a stream comes its last sample, and
+    // then its end. Compressed samples go on from the key frame at or before it. The next sample of
+    // decoded sound begins with the frame at the position, and behind the stream's last one there
+    // is only its end. MF_E_INVALIDREQUEST while an asynchronous request is in flight.
     virtual HRESULT SetCurrentPosition(REFGUID timeFormat, REFPROPVARIANT position) = 0;
 
     // The next sample of a stream, waited for. *sample: it, with a reference for the caller; null
     // with MF_SOURCE_READERF_ENDOFSTREAM in *flags behind the last one, and on failure.
     // *actualIndex: its stream; *time: its time. These two may be null. MF_E_INVALIDREQUEST where
-    // the stream is not selected. `controlFlags` is 0.
+    // the stream is not selected. `controlFlags` is 0. The sample of a picture lasts until a unit
+    // before the next one's time, as that unit leads to the next one; only the last picture's
+    // sample lasts until its end.
+    //
+    // Asynchronous: the four pointers are null, E_INVALIDARG otherwise, and S_OK says that
+    // OnReadSample will be called. MF_E_NOTACCEPTING from Flush to its OnFlush, and where very many
+    // requests are waiting.
     virtual HRESULT ReadSample(DWORD streamIndex, DWORD controlFlags, DWORD* actualIndex,
                                DWORD* flags, LONGLONG* time, IMFSample** sample) = 0;
 
     // Drops what a stream has read ahead; SetCurrentPosition then says where it goes on.
+    // Asynchronous: drops the stream's requests in flight too, and OnFlush says when that is done.
     virtual HRESULT Flush(DWORD streamIndex) = 0;
 
     // *object: of MF_SOURCE_READER_MEDIASOURCE the service MF_SCRUBBING_SERVICE as IMFSeekInfo,
@@ -111,3 +132,9 @@ protected:
 // HRESULT 0x80070002 where nothing is there.
 HRESULT MFCreateSourceReaderFromURL(LPCWSTR url, IMFAttributes* attributes,
                                     IMFSourceReader** reader);
+
+// *reader: one on an open source, made by IMFSourceResolver, which the reader shuts down at its own
+// end. Otherwise as above; MF_E_SHUTDOWN where the source is shut down, E_NOINTERFACE where it is
+// none of this layer's.
+HRESULT MFCreateSourceReaderFromMediaSource(IMFMediaSource* source, IMFAttributes* attributes,
+                                            IMFSourceReader** reader);

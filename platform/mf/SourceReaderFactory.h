@@ -20,4 +20,10 @@ SourceReaderFactory SetSourceReaderFactory(SourceReaderFactory factory);
 // Empty for the layer itself.
 SourceReaderFactory CurrentSourceReaderFactory();
 
+// The same for MFCreateSourceReaderFromMediaSource.
+using MediaSourceReaderFactory = std::function<HRESULT(
+    IMFMediaSource* source, IMFAttributes* attributes, IMFSourceReader** reader)>;
+MediaSourceReaderFactory SetMediaSourceReaderFactory(MediaSourceReaderFactory factory);
+MediaSourceReaderFactory CurrentMediaSourceReaderFactory();
+
 } // namespace mf

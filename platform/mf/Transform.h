@@ -1,5 +1,5 @@
 // A step that makes samples out of samples. Stands for mftransform.h and, for the class of the
-// colour converter, wmcodecdsp.h.
+// colour converter and the resampler, wmcodecdsp.h.
 //
 //     CoCreateInstance(CLSID_CColorConvertDMO, nullptr, CLSCTX_INPROC_SERVER, IID_IMFTransform,
 //     ...)
@@ -15,8 +15,17 @@ inline constexpr IID IID_IMFTransform = {
 inline constexpr CLSID CLSID_CColorConvertDMO = {
     0x98230571, 0x0087, 0x4204, {0xB0, 0x20, 0x32, 0x82, 0x53, 0x8E, 0x57, 0xD3}};
 
+// Sound in memory to sound in memory: another rate, other channels, another format.
+inline constexpr CLSID CLSID_CResamplerMediaObject = {
+    0xF447B69E, 0x1884, 0x4A7E, {0x80, 0x55, 0x34, 0x6F, 0x74, 0xD6, 0xED, 0xB3}};
+
+// Attribute of a transform, UINT32: 1 where it is asynchronous. None here is.
+inline constexpr GUID MF_TRANSFORM_ASYNC = {
+    0xF81A699A, 0x649A, 0x497D, {0x8C, 0x73, 0x29, 0xF8, 0xFE, 0xD6, 0xAD, 0x7A}};
+
 enum MFT_MESSAGE_TYPE : UINT32 { // NOLINT(readability-identifier-naming): settled
     MFT_MESSAGE_COMMAND_FLUSH = 0,
+    MFT_MESSAGE_COMMAND_DRAIN = 1,
     MFT_MESSAGE_NOTIFY_BEGIN_STREAMING = 0x10000000,
     MFT_MESSAGE_NOTIFY_END_STREAMING = 0x10000001,
 };
@@ -50,12 +59,17 @@ struct IMFTransform : IUnknown {
     // MF_E_TRANSFORM_TYPE_NOT_SET before both types are.
     virtual HRESULT GetOutputStreamInfo(DWORD streamId, MFT_OUTPUT_STREAM_INFO* info) = 0;
 
+    // *attributes: the transform's own, with a reference for the caller; E_NOTIMPL where it has
+    // none.
+    virtual HRESULT GetAttributes(IMFAttributes** attributes) = 0;
+
     // Takes a copy of the type; null takes it away. MF_E_INVALIDMEDIATYPE for one that it does not
     // serve. `flags`: with MFT_SET_TYPE_TEST_ONLY nothing is set.
     virtual HRESULT SetInputType(DWORD streamId, IMFMediaType* type, DWORD flags) = 0;
     virtual HRESULT SetOutputType(DWORD streamId, IMFMediaType* type, DWORD flags) = 0;
 
-    // FLUSH drops the sample that is held; the notifications change nothing.
+    // FLUSH drops what is held; DRAIN has it give all that is to come of the input so far; the
+    // notifications change nothing.
     virtual HRESULT ProcessMessage(MFT_MESSAGE_TYPE message, std::uintptr_t parameter) = 0;
 
     // Keeps a reference on the sample until its output is taken. MF_E_NOTACCEPTING while it has

@@ -88,8 +88,8 @@ Alpha AlphaOf(const FileClassification& file) {
 
 // What the file itself says of how its pictures are to be shown. The reader's own word, where it
 // has one, goes before this.
-VideoFacts FactsOf(const std::string& path, const VideoSampleReader& reader) {
-    const FileClassification file = Zanthe::ClassifyFile(path);
+VideoFacts FactsOf(const std::string& path, int stream, const VideoSampleReader& reader) {
+    const FileClassification file = Zanthe::ClassifyFile(path, stream);
     VideoFacts facts{.alpha = AlphaOf(file), .reader = file.videoRoute.backend};
     RemarkLostTurn(file, facts);
     if (!file.orientation) {
@@ -121,7 +121,7 @@ std::unique_ptr<IVideo> OpenVideo(const std::string& path, const VideoChoice& ch
     RequireReadableFile(Zanthe::ContainerPathOf(path));
     std::unique_ptr<VideoSampleReader> reader = OpenReader(path, choice);
     try {
-        VideoFacts facts = FactsOf(path, *reader);
+        VideoFacts facts = FactsOf(path, choice.stream, *reader);
         if (choice.stream != 0 &&
             dynamic_cast<Zanthe::WinH264SampleReader*>(reader.get()) != nullptr) {
             facts.remarks.push_back("its reader knows one stream alone: stream 0 is read, not " +

@@ -1,4 +1,4 @@
-// zanthe sheet: a file's pictures at a glance.
+// zanthe sheet: a file's pictures, and its sound, at a glance.
 #pragma once
 
 #include <ostream>
@@ -6,6 +6,7 @@
 
 #include "tools/zanthe/IVideo.h"
 #include "tools/zanthe/OpenVideo.h"
+#include "zanthe/audio/IAudioReader.h"
 
 namespace Program {
 
@@ -27,7 +28,12 @@ void RunSheet(const SheetRequest& request, std::ostream& out);
 // The request as it suits the video: a single cell for one that has a single picture.
 SheetRequest Suited(IVideo& video, const SheetRequest& request);
 
-// The same over a video that is open.
-void WriteSheet(IVideo& video, const SheetRequest& request, std::ostream& out);
+// The same over a video that is open, and over its sound, which may be null: with sound a strip
+// below the pictures shows how loud it is over the video's time, from the left to the right.
+void WriteSheet(IVideo& video, Zanthe::IAudioReader* sound, const SheetRequest& request,
+                std::ostream& out);
+
+// Of the sound that WriteSheet takes, in Hz.
+inline constexpr int SheetSoundRate = 44100;
 
 } // namespace Program

@@ -41,8 +41,12 @@ double SecondsOf(std::int64_t units);
 // Exactly so many units of 100 ns.
 Zanthe::MediaTime TimeOfUnits(std::int64_t units);
 
-// The whole units of 100 ns in `time`, from 0, which is what a sample reader looks for: what is
-// left over is cut off. Exact for any time whose parts are no finer than 10^-11 s.
+// The whole units of 100 ns in `time`, from 0: what is left over is cut off. Exact for any time
+// whose parts are no finer than 10^-11 s.
+std::int64_t WholeUnits(const Zanthe::MediaTime& time);
+
+// What a reader of samples that tells times looks for: it comes to its units by way of double, and
+// so at times a unit short.
 std::int64_t UnitsLookedFor(const Zanthe::MediaTime& time);
 
 } // namespace Program

@@ -1,0 +1,141 @@
+#include "platform/av/SoundConversion.h"
+
+#include <algorithm>
+#include <numeric>
+
+extern "C" {
+#include <libavutil/channel_layout.h>
+#include <libavutil/mathematics.h>
+#include <libavutil/opt.h>
+#include <libavutil/samplefmt.h>
+}
+
+namespace av {
+
+namespace {
+
+constexpr int kPieceFrames = 4096;
+
+std::int64_t LayoutOf(const SoundFormat& format) {
+    if (format.layout != 0) {
+        return static_cast<std::int64_t>(format.layout);
+    }
+    AVChannelLayout layout = {};
+    av_channel_layout_default(&layout, format.channels);
+    const bool known = layout.order == AV_CHANNEL_ORDER_NATIVE;
+    const auto mask = known ? static_cast<std::int64_t>(layout.u.mask) : 0;
+    av_channel_layout_uninit(&layout);
+    return mask;
+}
+
+bool IsServed(const SoundFormat& format) {
+    return format.rate > 0 && format.channels > 0 && format.channels <= 64 &&
+           format.sample != AV_SAMPLE_FMT_NONE;
+}
+
+bool SetSide(SwrContext* context, const SoundFormat& format, bool input) {
+    const char* layout = input ? "in_channel_layout" : "out_channel_layout";
+    const char* count = input ? "in_channel_count" : "out_channel_count";
+    const char* rate = input ? "in_sample_rate" : "out_sample_rate";
+    const char* sample = input ? "in_sample_fmt" : "out_sample_fmt";
+    return av_opt_set_int(context, count, format.channels, 0) >= 0 &&
+           av_opt_set_int(context, layout, LayoutOf(format), 0) >= 0 &&
+           av_opt_set_int(context, rate, format.rate, 0) >= 0 &&
+           av_opt_set_sample_fmt(context, sample, format.sample, 0) >= 0;
+}
+
+// Half the filter: 16 taps at the lower of the rates, with some to spare.
+std::int64_t ReachOf(int from, int to) {
+    return from == to ? 0 : 64 * std::max<std::int64_t>((from + to - 1) / to, 1);
+}
+
+} // namespace
+
+std::unique_ptr<SoundConversion> SoundConversion::Create(const SoundFormat& from,
+                                                         const SoundFormat& to) {
+    if (!IsServed(from) || !IsServed(to)) {
+        return nullptr;
+    }
+    std::unique_ptr<SoundConversion> conversion(new SoundConversion(from, to));
+    return conversion->Restart() ? std::move(conversion) : nullptr;
+}
+
+SoundConversion::SoundConversion(const SoundFormat& from, const SoundFormat& to)
+    : m_from(from)
+    , m_to(to)
+    , m_step(from.rate / std::gcd(from.rate, to.rate))
+    , m_reach(ReachOf(from.rate, to.rate))
+    , m_frameBytes(av_get_bytes_per_sample(to.sample) * to.channels) {}
+
+std::int64_t SoundConversion::StartFor(std::int64_t position) const {
+    const std::int64_t input =
+        av_rescale_rnd(std::max<std::int64_t>(position, 0), m_from.rate, m_to.rate, AV_ROUND_DOWN);
+    return std::max<std::int64_t>(input - m_reach, 0) / m_step * m_step;
+}
+
+std::int64_t SoundConversion::OutputAt(std::int64_t inputFrame) const {
+    return inputFrame / m_step * (m_to.rate / std::gcd(m_from.rate, m_to.rate));
+}
+
+bool SoundConversion::Restart() {
+    m_context.reset(swr_alloc());
+    SwrContext* context = m_context.get();
+    if (context == nullptr || !SetSide(context, m_from, true) || !SetSide(context, m_to, false)) {
+        return false;
+    }
+    if (m_from.rate != m_to.rate || m_from.channels != m_to.channels) {
+        // Integers would be mixed in integers, and more softly than others lest they overflow.
+        av_opt_set_sample_fmt(context, "internal_sample_fmt", AV_SAMPLE_FMT_FLTP, 0);
+    }
+    return swr_init(context) >= 0;
+}
+
+bool SoundConversion::ConvertPiece(const std::uint8_t** planes, int frames, SoundBytes& out) {
+    const int room = swr_get_out_samples(m_context.get(), frames);
+    if (room < 0) {
+        return false;
+    }
+    const auto frameBytes = static_cast<std::size_t>(m_frameBytes);
+    const std::size_t before = out.bytes.size();
+    out.bytes.resize(before + static_cast<std::size_t>(room) * frameBytes);
+    std::uint8_t* to = out.bytes.data() + before;
+    const int made = swr_convert(m_context.get(), &to, room, planes, frames);
+    out.bytes.resize(before + static_cast<std::size_t>(std::max(made, 0)) * frameBytes);
+    out.frames += std::max(made, 0);
+    return made >= 0;
+}
+
+// One plane serves all channels to read silence from.
+void SoundConversion::MakeSilence(std::size_t stride) {
+    const bool isUnsigned = av_get_packed_sample_fmt(m_from.sample) == AV_SAMPLE_FMT_U8;
+    m_silence.resize(kPieceFrames * stride, isUnsigned ? 0x80 : 0);
+}
+
+bool SoundConversion::Convert(const std::uint8_t* const* planes, int frames, SoundBytes& out) {
+    if (m_context == nullptr) {
+        return false;
+    }
+    const bool planar = av_sample_fmt_is_planar(m_from.sample) != 0;
+    const int stride = av_get_bytes_per_sample(m_from.sample) * (planar ? 1 : m_from.channels);
+    const auto count = static_cast<std::size_t>(planar ? m_from.channels : 1);
+    if (planes == nullptr) {
+        MakeSilence(static_cast<std::size_t>(stride));
+    }
+    std::vector<const std::uint8_t*> piece(count);
+    for (int done = 0; done < frames; done += kPieceFrames) {
+        for (std::size_t i = 0; i < count; ++i) {
+            piece[i] = planes == nullptr ? m_silence.data()
+                                         : planes[i] + static_cast<std::ptrdiff_t>(done) * stride;
+        }
+        if (!ConvertPiece(piece.data(), std::min(frames - done, kPieceFrames), out)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool SoundConversion::Finish(SoundBytes& out) {
+    return m_context != nullptr && (m_from.rate == m_to.rate || ConvertPiece(nullptr, 0, out));
+}
+
+} // namespace av

@@ -1,0 +1,79 @@
+// Sound in one form to sound in another: rate, channels, samples.
+//
+//     auto conversion = SoundConversion::Create(from, to);
+//     conversion->Restart(0);
+//     conversion->Convert(planes, frames, out);   // as often as there is input
+//     conversion->Finish(out);                    // what its filter still holds
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "platform/av/Handles.h"
+#include "platform/av/SoundFacts.h"
+
+namespace av {
+
+// Frames of converted sound, one after the other.
+struct SoundBytes {
+    std::vector<std::uint8_t> bytes;
+    std::int64_t frames = 0;
+};
+
+// Output frame m stands at the time m / rate, as input frame i does at its own rate. A conversion
+// that is restarted `Reach()` input frames before a frame gives it bit for bit as one that runs
+// from the start, however the input is cut into pieces.
+//
+// Channels are mixed by the usual coefficients: centre and surround at 1/√2, mono to both sides at
+// 1/√2, the low frequencies left out.
+//
+// Thread-safety: none.
+class SoundConversion {
+public:
+    // `to` is packed; a layout of 0 is the usual one for the number of channels. Null where one of
+    // them is not served.
+    static std::unique_ptr<SoundConversion> Create(const SoundFormat& from, const SoundFormat& to);
+
+    // Input frames that a restart has to stand on whole multiples of.
+    std::int64_t Step() const { return m_step; }
+
+    // Input frames that a frame of output can lean on before itself.
+    std::int64_t Reach() const { return m_reach; }
+
+    // The input frame to restart at so that output from `position` on is right; 0 or more.
+    std::int64_t StartFor(std::int64_t position) const;
+
+    // The output frame that stands where the input frame does, a multiple of Step().
+    std::int64_t OutputAt(std::int64_t inputFrame) const;
+
+    // Forgets what it holds; the next input frame is one that stands on a multiple of Step(). False
+    // when memory is out.
+    bool Restart();
+
+    // Puts what comes out behind what `out` has. `planes`: of the input, borrowed for the call;
+    // null is silence. False on failure.
+    bool Convert(const std::uint8_t* const* planes, int frames, SoundBytes& out);
+
+    // Puts there what the filter holds: output stands where input has been. To be followed by
+    // Restart.
+    bool Finish(SoundBytes& out);
+
+    int OutputFrameBytes() const { return m_frameBytes; }
+
+private:
+    SoundConversion(const SoundFormat& from, const SoundFormat& to);
+
+    bool ConvertPiece(const std::uint8_t** planes, int frames, SoundBytes& out);
+    void MakeSilence(std::size_t stride);
+
+    const SoundFormat m_from;
+    const SoundFormat m_to;
+    const std::int64_t m_step;
+    const std::int64_t m_reach;
+    const int m_frameBytes;
+    SwrContextPtr m_context;
+    std::vector<std::uint8_t> m_silence; // one plane of it
+};
+
+} // namespace av
