@@ -139,12 +139,13 @@ TEST(WriteFrames, AllFilesOrNone) {
 }
 
 TEST(WriteFrames, ARefusedTimeIsEchoedAsItWasTyped) {
+    TemporaryFolder folder;
     ScriptedVideo video = Video();
     video.facts.duration = 25'000'000;
     const auto refusal = [&](const char* typed) -> std::string {
         FrameRequest request = Request({MediaTime(59, 20)});
         request.typed = {typed};
-        request.png = "-";
+        request.png = folder / "out.png";
         std::ostringstream out;
         try {
             WriteFrames(video, request, out);

@@ -14,13 +14,10 @@ using ::testing::HasSubstr;
 
 namespace {
 
-ScriptedVideo Video(std::optional<std::int64_t> told, bool tellsTimes = true) {
+// Of two pictures of a second each.
+std::string EndOf(std::optional<std::int64_t> told, bool tellsTimes = true) {
     ScriptedVideo video({0, 10'000'000}, 20'000'000, tellsTimes);
     video.facts.duration = told;
-    return video;
-}
-
-std::string EndOf(ScriptedVideo video) {
     return DescribeEnd(video);
 }
 
@@ -48,14 +45,15 @@ TEST(Disagreement, NamesAHeaderThatPromisesMore) {
 }
 
 TEST(DescribeEnd, ReadsTheLastPicture) {
-    EXPECT_EQ(EndOf(Video(std::nullopt, false)), "its last picture ends at 0:00:02.000");
-    EXPECT_EQ(EndOf(Video(15'000'000)),
+    EXPECT_EQ(EndOf(std::nullopt, false), "its last picture ends at 0:00:02.000");
+    EXPECT_EQ(EndOf(15'000'000),
               "the header's duration ends the stream at 0:00:01.500, 500 ms before its last "
               "picture's end: nothing is shown behind that");
 }
 
 TEST(DescribeEnd, OfAReaderThatGivesItsLastPictureUpToTheEndThatItTells) {
-    ScriptedVideo video = Video(30'000'000);
+    ScriptedVideo video({0, 10'000'000}, 20'000'000);
+    video.facts.duration = 30'000'000;
     video.script = [&](std::size_t, const auto& time) {
         auto picture = video.Honest(time);
         return picture ? std::move(picture) : std::optional(video.PictureOf(1));
@@ -63,10 +61,17 @@ TEST(DescribeEnd, OfAReaderThatGivesItsLastPictureUpToTheEndThatItTells) {
     EXPECT_THAT(DescribeEnd(video), HasSubstr("promises 0:00:03.000, but the last picture ends"));
 }
 
-TEST(DescribeEnd, WithoutALastPictureIsTheHeaders) {
-    EXPECT_EQ(EndOf(Video(30'000'000)), "its header ends it at 0:00:03.000");
-    ScriptedVideo empty({}, 0, false);
+TEST(DescribeEnd, SearchesWhereTheEndThatIsToldHasNoPicture) {
+    EXPECT_EQ(EndOf(20'000'000), "its last picture ends at 0:00:02.000");
+    EXPECT_THAT(EndOf(30'000'000),
+                HasSubstr("promises 0:00:03.000, but the last picture ends at 0:00:02.000"));
+}
+
+TEST(DescribeEnd, WithoutPicturesIsTheHeaders) {
+    ScriptedVideo empty({}, 0);
     EXPECT_EQ(DescribeEnd(empty), "");
+    empty.facts.duration = 30'000'000;
+    EXPECT_EQ(DescribeEnd(empty), "its header ends it at 0:00:03.000");
 }
 
 TEST(VideoVerifyReport, SaysWhereTheHeaderEndsTheStream) {

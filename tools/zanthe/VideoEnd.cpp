@@ -1,5 +1,7 @@
 #include "tools/zanthe/VideoEnd.h"
 
+#include <algorithm>
+
 #include "tools/zanthe/Interrupt.h"
 #include "tools/zanthe/TimeText.h"
 #include "tools/zanthe/VideoTimeline.h"
@@ -12,13 +14,23 @@ constexpr std::int64_t Millisecond = UnitsPerSecond / 1000;
 // Headers count in whole ticks, and often leave out or add a picture's time.
 constexpr std::int64_t Worth = UnitsPerSecond / 10;
 
-// Up to the end that is told a reader gives its last picture, also behind that one's own end.
 std::optional<std::int64_t> EndOfPictureAt(IVideo& video, std::int64_t time) {
     const std::optional<Picture> picture = video.At(TimeOfUnits(time));
     if (!picture || !picture->start || !picture->duration) {
         return std::nullopt;
     }
     return *picture->start + *picture->duration;
+}
+
+// Asks between times with a picture and times without one.
+std::optional<std::int64_t> SearchEnd(IVideo& video) {
+    const std::int64_t none = FindEnd(video, [](std::int64_t) { ThrowIfInterrupted(); });
+    if (none <= 0) {
+        return std::nullopt;
+    }
+    const std::int64_t shown = std::max<std::int64_t>(none - VideoTimeline::Step, 0);
+    const auto end = EndOfPictureAt(video, shown);
+    return end ? end : none;
 }
 
 } // namespace
@@ -43,11 +55,14 @@ std::string Disagreement(const VideoEnd& end) {
 VideoEnd FindVideoEnd(IVideo& video) {
     VideoEnd end{.told = video.Facts().duration};
     if (end.told) {
+        // At the end itself a reader may give its last picture or none.
         end.pictures = EndOfPictureAt(video, *end.told);
-    } else if (const std::int64_t found =
-                   FindEnd(video, [](std::int64_t) { ThrowIfInterrupted(); });
-               found > 0) {
-        end.pictures = found;
+        if (!end.pictures) {
+            end.pictures = EndOfPictureAt(video, std::max<std::int64_t>(*end.told - 2, 0));
+        }
+    }
+    if (!end.pictures) {
+        end.pictures = SearchEnd(video);
     }
     return end;
 }

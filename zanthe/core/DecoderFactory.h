@@ -3,7 +3,7 @@
 //     std::unique_ptr<DecoderFactory> factory(DecoderFactory::Create());
 //     std::unique_ptr<VideoSampleReader> reader(
 //         factory->CreateVideoSampleReader("clip.mp4", 0, false));
-//     if (!reader) ... // the file's backend could not be made
+//     if (!reader || reader->outputWidth() == 0) ... // no pictures can be read, see below
 //     std::unique_ptr<VideoSample> sample(reader->readVideoSample(...)); // null: no frame there
 //
 // Failures come in three kinds, so a host that survives them all catches std::exception and
@@ -31,10 +31,10 @@ public:
     // caller's, who ends it with delete; readers live on without it.
     static DecoderFactory* Create();
 
-    // deviceManager: the host's graphics device or null, an object behind the platform's public
-    // interface; this library installs no header for it. The factory takes over one reference from
-    // the caller and gives it back when it is destroyed; when this throws, the reference is still
-    // the caller's. useMediaFoundation: false keeps every file away from the H.264 reader.
+    // deviceManager: the host's graphics device or null; platform/mf/DXGIDeviceManager.h declares
+    // it and what makes one. The factory takes over one reference from the caller and gives it back
+    // when it is destroyed; when this throws, the reference is still the caller's.
+    // useMediaFoundation: false keeps every file away from the H.264 reader.
     static DecoderFactory* Create(DecoderOutputFormat format, IMFDXGIDeviceManager* deviceManager,
                                   bool useMediaFoundation);
 
@@ -45,8 +45,10 @@ public:
 
     // A reader over one video stream of the file at `path` (UTF-8), which may name a member of a
     // recording behind a "!". It is the caller's, who ends it with delete. A file that goes to the
-    // H.264 reader gets one also when it cannot be opened: WinH264SampleReader::readerStatus()
-    // tells, and such a reader gives no samples. No other backend is then tried.
+    // H.264 reader gets one also when it cannot be opened: not null, of size 0 by 0 as a rule, and
+    // every read gives null. WinH264SampleReader::readerStatus() tells why, as 2
+    // (ReaderStatusSourceReaderFailed) for a file that is missing, damaged or of another kind. No
+    // other backend is then tried.
     //
     // The first that fits decides. E is the text behind the last "." of the whole path, compared
     // with no regard to case; nothing of the first four fits a path without a dot. docs/classify.md

@@ -5,6 +5,14 @@
 //     draw(sample->data(), sample->bytesPerRow(), sample->isFlipped());
 //     sample->unlockData();
 //
+// A pixel in memory is 4 bytes: blue, green, red, alpha. Alpha is 255 in films, which are opaque,
+// and straight in QuickTime recordings of PNG pictures; in GIF files colours are multiplied by it.
+//
+// A sample tells neither its time nor how long it is shown. Of WinH264SampleReader both stand on
+// the platform's sample, in units of 100 ns from the first picture: GetSampleTime and
+// GetSampleDuration of MFVideoSample::imfSample(). A VideoDecoder leaves the time in the last
+// argument of readFrame.
+//
 // What the implementations make of it:
 //
 //                         BitmapVideoSample   from DirectShow        from Media Foundation
@@ -37,7 +45,7 @@ public:
     // the caller holding exactly one, and the caller leaves this alone.
     virtual void decrementRefCount() = 0;
 
-    // The picture as shown, in pixels.
+    // The picture as it is stored, in pixels: neither turned nor stretched.
     virtual int width() const = 0;
     virtual int height() const = 0;
 

@@ -24,14 +24,19 @@ public:
     VideoSampleReader& operator=(const VideoSampleReader&) = delete;
     virtual ~VideoSampleReader();
 
-    // The size of the delivered picture, in pixels.
+    // The size of the delivered picture as it is stored, in pixels: neither turned nor stretched. 0
+    // by 0 for a reader whose file could not be opened, which DecoderFactory tells of.
     virtual int outputWidth() const = 0;
     virtual int outputHeight() const = 0;
 
     // The sample of the frame shown at `time` (seconds from the start of the stream), or null when
-    // there is none. It is the caller's, who ends it with delete. It keeps what it needs alive by
-    // itself, also when the reader has moved on or gone; only the samples of
-    // VideoDecoderToVideoSampleReader share one picture, which the next read overwrites.
+    // there is none. Time 0 is the first picture, whatever time the file gives that: it is taken
+    // off all others. Of WinH264SampleReader a negative time is the first picture's too, and none
+    // is shown behind the duration in the file's header, also where the last would stay for longer.
+    // The sample tells no time; VideoSample.h says where that stands. It is the caller's, who ends
+    // it with delete. It keeps what it needs alive by itself, also when the reader has moved on or
+    // gone; only the samples of VideoDecoderToVideoSampleReader share one picture, which the next
+    // read overwrites.
     //
     // prepare(bits, bytesPerRow) is called before the frame is decoded, on this thread, by a reader
     // that decodes into memory of its own, so that the caller can see or clear that memory. It may
@@ -46,7 +51,11 @@ public:
     // a read with it brings.
     virtual bool requiresFlagSometimesToActuallyGetSamples() = 0;
 
-    // True when the caller must still turn the picture as the file's orientation says.
+    // Not whether pictures are to be turned: they come as they are stored, from every reader, and
+    // it is the host that turns them, by WinH264SampleReader::nativeMediaTypeInfo().rotation or
+    // ClassifyFile(path).orientation. True would ask for the turn of the file's orientation on top
+    // of what a reader tells of its own; no reader of this library asks for that: all answer false,
+    // also for a phone's clip that lies on its side.
     virtual bool requiresMediaOrientationTransformation() = 0;
 };
 

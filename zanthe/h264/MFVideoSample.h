@@ -14,7 +14,7 @@ namespace Zanthe {
 class ZANTHE_API MFVideoSample : public VideoSample {
 public:
     // A frame over the first buffer of `sample`, of which it keeps a reference of its own. `width`
-    // and `height`: the picture as shown, in pixels. Throws std::runtime_error with
+    // and `height`: the picture as it is stored, in pixels. Throws std::runtime_error with
     // "MFVideoSample: Couldn't get MediaBuffer from MFSample" where there is no such buffer.
     MFVideoSample(IMFSample* sample, int width, int height);
     ~MFVideoSample() override;

@@ -40,8 +40,9 @@ class WinH264FastSampleFinder;
 // DeviceArgb32 becomes MemoryArgb32 without a device manager, on systems older than 6.2, and while
 // two other readers of the process decode on the device (a rough limit: readers opened at the same
 // moment can pass it together). A file whose picture is to be turned by 90, 180 or 270 degrees is
-// read as MemoryNv12, whatever was asked for; turning the picture is the host's part, as
-// nativeMediaTypeInfo().rotation says.
+// read as MemoryNv12, whatever was asked for. Its pictures come as they are stored: a host turns
+// them clockwise by nativeMediaTypeInfo().rotation, or shows most clips of phones on their side,
+// and stretches them by the pixel aspect ratio there.
 //
 // Thread-safety: none; one reader serves one thread at a time. Different readers are independent.
 class ZANTHE_API WinH264SampleReader : public VideoSampleReader {
@@ -77,7 +78,7 @@ public:
     VideoSample* readVideoSample(MediaTime time, std::function<void(unsigned char*, int)> prepare,
                                  VideoSampleReaderFlags flags) override;
     bool requiresFlagSometimesToActuallyGetSamples() override; // false
-    bool requiresMediaOrientationTransformation() override;    // false
+    bool requiresMediaOrientationTransformation() override;    // false, for turned pictures too
 
     // The platform's sample of the frame shown at `time`, with a reference for the caller, as
     // WinH264FastSampleFinder::findSampleAtTime finds it; its time counts from the first sample. It
@@ -100,7 +101,8 @@ public:
     // How the samples' YUV is to become RGB.
     const ColorConversionInfo& colorConversionInfo() const { return m_color; }
 
-    // The stream's end, in units of 100 ns; -1 for a reader without samples.
+    // The stream's end by the file's header, in units of 100 ns; -1 for a reader without samples. A
+    // time equal to it is still answered, one behind it is not, wherever the last picture ends.
     std::int64_t StreamDuration() const;
 
     // The sample finder's logs; see there. Empty for a reader without samples.

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <stdexcept>
 
 #include "tools/zanthe/TimeText.h"
@@ -32,13 +33,15 @@ void Declare(CLI::App& command, FrameRequest& request) {
     command
         .add_option_function<std::string>(
             "--at",
-            [&request](const std::string& text) {
+            [&request](std::string text) {
+                std::replace(text.begin(), text.end(), '\n', ',');
                 request.times = ParseTimes(text);
                 request.typed = SplitAtCommas(text);
             },
             "Times of the pictures, in seconds from the start, taken exactly: a fraction "
             "(1001/30000), a decimal (12.5), or [h:]m:s (0:01:02.5)")
-        ->join(',')
+        // Not with a comma: at that CLI11 would also part what was given, and drop empty parts.
+        ->multi_option_policy(CLI::MultiOptionPolicy::Join)
         ->type_name("TIME[,TIME...]")
         ->transform(Times())
         ->required();
