@@ -44,6 +44,10 @@ std::int64_t SoundClock::FramesIn(std::int64_t ticks) const {
     return Scale(ticks, m_timeBase, {1, m_rate}, AV_ROUND_NEAR_INF);
 }
 
+std::int64_t SoundClock::FramesInTime(std::int64_t microseconds) const {
+    return Scale(microseconds, {1, AV_TIME_BASE}, {1, m_rate}, AV_ROUND_NEAR_INF);
+}
+
 std::int64_t SoundClock::FramesAt(std::int64_t timestamp) const {
     return FramesIn(timestamp - m_origin);
 }
