@@ -91,22 +91,26 @@ Frames ReadFrames(av::ConvertedSound& sound, std::int64_t from, std::int64_t cou
     return frames;
 }
 
-Frames DecodeWithProgram(const std::string& path, AVSampleFormat sample, const std::string& options,
-                         const std::string& outputOptions) {
-    constexpr const char* kNames[] = {"u8", "s16le", "s32le", "f32le", "f64le"};
-    const AVSampleFormat packed = av_get_packed_sample_fmt(sample);
-    const std::string command = "ffmpeg -nostdin -v error " + options + " -i '" + path +
-                                "' -map 0:a:0 " + outputOptions + " -f " + kNames[packed] + " -";
+std::vector<std::uint8_t> RunProgram(const std::string& arguments) {
+    const std::string command = "ffmpeg -nostdin -v error " + arguments;
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
     if (!pipe) {
         throw std::runtime_error("cannot run ffmpeg");
     }
-    Frames frames;
+    std::vector<std::uint8_t> bytes;
     std::uint8_t buffer[65536];
     while (const std::size_t count = std::fread(buffer, 1, sizeof buffer, pipe.get())) {
-        frames.bytes.insert(frames.bytes.end(), buffer, buffer + count);
+        bytes.insert(bytes.end(), buffer, buffer + count);
     }
-    return frames;
+    return bytes;
+}
+
+Frames DecodeWithProgram(const std::string& path, AVSampleFormat sample, const std::string& options,
+                         const std::string& outputOptions) {
+    constexpr const char* kNames[] = {"u8", "s16le", "s32le", "f32le", "f64le"};
+    return {RunProgram(options + " -i '" + path + "' -map 0:a:0 " + outputOptions + " -f " +
+                       kNames[av_get_packed_sample_fmt(sample)] + " -"),
+            1};
 }
 
 float LargestDifference(const Frames& a, const Frames& b) {

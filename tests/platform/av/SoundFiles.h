@@ -28,6 +28,9 @@ constexpr std::int64_t kAll = std::int64_t{1} << 40;
 Frames ReadFrames(av::SoundStream& stream, std::int64_t from, std::int64_t count);
 Frames ReadFrames(av::ConvertedSound& sound, std::int64_t from, std::int64_t count);
 
+// What the ffmpeg program writes, run with these arguments.
+std::vector<std::uint8_t> RunProgram(const std::string& arguments);
+
 // The file's first sound as the program decodes it, in the sample format given. `options` stand
 // before the file.
 Frames DecodeWithProgram(const std::string& path, AVSampleFormat sample,

@@ -83,8 +83,8 @@ constexpr File kFiles[] = {
     {"sound-late.m2ts", 253440, kSteadyNoise},
     {"sound-longer.mp4", 252000},
     {"sound-shorter.mp4", 252000},
-    {"edit-inside.m4a", 191482},
-    {"edit-inside-alac.m4a", 147603},
+    {"edit-inside.m4a", 191497},
+    {"edit-inside-alac.m4a", 147613},
 };
 
 std::unique_ptr<av::SoundStream> Open(const std::string& path) {
