@@ -11,7 +11,11 @@ FileStream DescribeSound(const AVStream& stream, int ordinal) {
     FileStream facts;
     facts.kind = TrackKind::Audio;
     facts.ordinal = ordinal;
+    facts.codec = stream.codecpar->codec_id;
+    facts.tag = stream.codecpar->codec_tag;
     facts.channels = stream.codecpar->ch_layout.nb_channels;
+    const AVChannelLayout& layout = stream.codecpar->ch_layout;
+    facts.layout = layout.order == AV_CHANNEL_ORDER_NATIVE ? layout.u.mask : 0;
     facts.sampleRate = stream.codecpar->sample_rate;
     facts.bitsPerSample = stream.codecpar->bits_per_coded_sample;
     return facts;

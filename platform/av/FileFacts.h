@@ -11,12 +11,15 @@
 namespace av {
 
 struct FileStream {
-    TrackKind kind = TrackKind::Other; // Video or Audio
-    int ordinal = 0;                   // among the file's streams of its kind
-    VideoFacts video;                  // of a video stream
-    int channels = 0;                  // of a sound stream, as are the next two
+    TrackKind kind = TrackKind::Other;  // Video or Audio
+    int ordinal = 0;                    // among the file's streams of its kind
+    VideoFacts video;                   // of a video stream
+    AVCodecID codec = AV_CODEC_ID_NONE; // of a sound stream, as are the next ones
+    std::uint32_t tag = 0;              // as in VideoFacts; the WAVE_FORMAT tag in some containers
+    int channels = 0;
     int sampleRate = 0;
-    int bitsPerSample = 0; // 0 where the codec has no such thing
+    std::uint64_t layout = 0; // as in SoundFormat
+    int bitsPerSample = 0;    // 0 where the codec has no such thing
 };
 
 struct FileFacts {

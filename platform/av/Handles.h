@@ -40,6 +40,7 @@ struct FreeDirectly {
 // avformat_close_input gives back the open file and what the demuxer allocated, then the context;
 // avformat_free_context alone would keep both. It also serves a context that was never opened.
 using FormatContextPtr = std::unique_ptr<AVFormatContext, FreeThrough<avformat_close_input>>;
+using OutputContextPtr = std::unique_ptr<AVFormatContext, FreeDirectly<avformat_free_context>>;
 using IoContextPtr = std::unique_ptr<AVIOContext, FreeThrough<avio_closep>>;
 using CodecContextPtr = std::unique_ptr<AVCodecContext, FreeThrough<avcodec_free_context>>;
 using FramePtr = std::unique_ptr<AVFrame, FreeThrough<av_frame_free>>;

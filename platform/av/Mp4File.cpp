@@ -27,7 +27,7 @@ std::unique_ptr<Mp4File> Mp4File::Open(const std::string& path) {
     if (context == nullptr) {
         return nullptr;
     }
-    std::unique_ptr<Mp4File> file(new Mp4File(std::move(context)));
+    std::unique_ptr<Mp4File> file(new Mp4File(path, std::move(context)));
     file->AddBoxes(path);
     return file;
 }
@@ -46,8 +46,9 @@ void Mp4File::AddBoxes(const std::string& path) {
     }
 }
 
-Mp4File::Mp4File(FormatContextPtr context)
-    : m_context(std::move(context)) {
+Mp4File::Mp4File(std::string path, FormatContextPtr context)
+    : m_path(std::move(path))
+    , m_context(std::move(context)) {
     for (unsigned int i = 0; i < m_context->nb_streams; ++i) {
         const AVStream& stream = *m_context->streams[i];
         if (!IsCover(stream) && stream.id > 0) {
@@ -67,6 +68,10 @@ const AVStream& Mp4File::CompleteStreamOf(const Mp4Track& track) {
         m_fragmentsVisited = true;
     }
     return *m_context->streams[track.stream];
+}
+
+std::uint32_t Mp4File::MovieUnitsPerSecond() const {
+    return ReadMovieUnitsPerSecond(m_path);
 }
 
 // A track's time base is one over its time scale in this family of files.

@@ -42,6 +42,12 @@ public:
     // Null where `path` (UTF-8, a regular file) is none.
     static std::unique_ptr<Mp4File> Open(const std::string& path);
 
+    // The file itself.
+    const std::string& Path() const { return m_path; }
+
+    // Units a second of the whole file, by its movie header; 0 where it has none.
+    std::uint32_t MovieUnitsPerSecond() const;
+
     // In the order of the file. A cover picture is no track, nor is what has no number.
     const std::vector<Mp4Track>& Tracks() const { return m_tracks; }
 
@@ -66,11 +72,12 @@ public:
     bool Read(const Mp4Sample& sample, std::uint8_t* bytes);
 
 private:
-    explicit Mp4File(FormatContextPtr context);
+    Mp4File(std::string path, FormatContextPtr context);
 
     void AddBoxes(const std::string& path);
     const AVStream& CompleteStreamOf(const Mp4Track& track);
 
+    const std::string m_path;
     FormatContextPtr m_context;
     bool m_fragmentsVisited = false;
     std::vector<Mp4Track> m_tracks;

@@ -36,16 +36,17 @@ std::optional<Mp4Box> FindBelow(Mp4Boxes& boxes, Mp4Box box,
     return box;
 }
 
-std::uint32_t IdOf(Mp4Boxes& boxes, const Mp4Box& track) {
-    const auto header = Find(boxes, track, "tkhd");
+// What stands behind the two times of a header, which are of 64 bits in version 1; 0 where there is
+// no such header.
+std::uint32_t NumberBehindTimes(Mp4Boxes& boxes, const Mp4Box& parent, std::string_view type) {
+    const auto header = Find(boxes, parent, type);
     if (!header) {
         return 0;
     }
-    // Two times stand before it, which are of 64 bits in version 1.
     const std::uint64_t start = header->payload.start;
     const std::uint64_t times = boxes.Number(start, 1) == 0U ? 2 * 4 : 2 * 8;
-    const auto id = boxes.Number(start + VersionAndFlags + times, 4);
-    return static_cast<std::uint32_t>(id.value_or(0));
+    const auto number = boxes.Number(start + VersionAndFlags + times, 4);
+    return static_cast<std::uint32_t>(number.value_or(0));
 }
 
 std::string HandlerOf(Mp4Boxes& boxes, const Mp4Box& track) {
@@ -108,13 +109,22 @@ std::vector<TrackBoxes> ReadTrackBoxes(const std::string& path) {
     if (movie) {
         boxes->ForEach(movie->payload, [&](const Mp4Box& box) {
             if (box.type == "trak") {
-                tracks.push_back(
-                    {IdOf(*boxes, box), HandlerOf(*boxes, box), DescriptionsOf(*boxes, box)});
+                tracks.push_back({NumberBehindTimes(*boxes, box, "tkhd"), HandlerOf(*boxes, box),
+                                  DescriptionsOf(*boxes, box)});
             }
             return true;
         });
     }
     return tracks;
+}
+
+std::uint32_t ReadMovieUnitsPerSecond(const std::string& path) {
+    const auto boxes = Mp4Boxes::Open(path);
+    if (boxes == nullptr) {
+        return 0;
+    }
+    const auto movie = Find(*boxes, Mp4Box{"", {0, boxes->Size()}}, "moov");
+    return movie ? NumberBehindTimes(*boxes, *movie, "mvhd") : 0;
 }
 
 bool HasTooManyBoxes(const std::string& path) {

@@ -17,6 +17,10 @@ struct TrackBoxes {
 // it has no movie, or what stands there is cut short. Thread-safety: safe from any thread.
 std::vector<TrackBoxes> ReadTrackBoxes(const std::string& path);
 
+// Units a second by the header of the file's first movie; 0 where it has none.
+// Thread-safety: safe from any thread.
+std::uint32_t ReadMovieUnitsPerSecond(const std::string& path);
+
 // Whether the file at `path` has so many boxes that walking them all would take seconds, as no
 // real one has. Nothing of the kind: also where there is no such file.
 //

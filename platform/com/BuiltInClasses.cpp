@@ -4,6 +4,7 @@
 #include <array>
 
 #include "platform/mf/ColorConverter.h"
+#include "platform/mf/Resampler.h"
 #include "platform/mf/Transform.h"
 #include "platform/wic/ImagingFactory.h"
 
@@ -19,6 +20,7 @@ struct BuiltIn {
 // One table rather than objects that enter themselves: an archive's linker drops what nobody names.
 constexpr std::array kBuiltIns = {
     BuiltIn{CLSID_CColorConvertDMO, mf::CreateColorConverter},
+    BuiltIn{CLSID_CResamplerMediaObject, mf::CreateResampler},
     BuiltIn{CLSID_WICImagingFactory, wic::CreateImagingFactory},
 };
 

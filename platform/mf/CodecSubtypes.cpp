@@ -51,6 +51,8 @@ bool IsAsfStyleMpeg4(std::uint32_t tag) {
            tag == MKTAG('M', 'P', '4', 'S') || tag == MKTAG('m', 'p', '4', 's');
 }
 
+} // namespace
+
 GUID SubtypeOfName(AVCodecID codec) {
     std::string name = avcodec_get_name(codec);
     name.resize(4, ' ');
@@ -58,8 +60,6 @@ GUID SubtypeOfName(AVCodecID codec) {
                    [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     return CodedSubtype(std::string_view(name));
 }
-
-} // namespace
 
 GUID SubtypeOf(const av::VideoFacts& facts, const std::string& container) {
     if (facts.codec == AV_CODEC_ID_H264 && HoldsElementaryStreams(container)) {

@@ -13,6 +13,9 @@ namespace mf {
 // name in capitals.
 GUID SubtypeOf(const av::VideoFacts& facts, const std::string& container);
 
+// The first four characters of FFmpeg's name of the codec, in capitals.
+GUID SubtypeOfName(AVCodecID codec);
+
 // The codec of a subtype; AV_CODEC_ID_NONE for one that is no codec's.
 AVCodecID CodecOf(REFGUID subtype);
 

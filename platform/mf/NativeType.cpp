@@ -4,6 +4,7 @@
 
 #include "platform/mf/CodecSubtypes.h"
 #include "platform/mf/MediaFormats.h"
+#include "platform/mf/SoundSubtypes.h"
 
 namespace mf {
 
@@ -44,12 +45,31 @@ void DescribeVideo(IMFMediaType& type, const av::VideoFacts& facts, const std::s
     }
 }
 
+// Whole bytes: a type says how much room a sample takes.
+UINT32 BitsOf(const av::FileStream& stream) {
+    const int bits = (stream.bitsPerSample + 7) / 8 * 8;
+    return stream.bitsPerSample < 8 || bits > 64 ? 0 : static_cast<UINT32>(bits);
+}
+
 void DescribeSound(IMFMediaType& type, const av::FileStream& stream) {
+    const auto channels = static_cast<UINT32>(stream.channels);
+    const auto rate = static_cast<UINT32>(stream.sampleRate);
+    const UINT32 bits = BitsOf(stream);
     type.SetGUID(MF_MT_MAJOR_TYPE, MFMediaType_Audio);
-    type.SetUINT32(MF_MT_AUDIO_NUM_CHANNELS, static_cast<UINT32>(stream.channels));
-    type.SetUINT32(MF_MT_AUDIO_SAMPLES_PER_SECOND, static_cast<UINT32>(stream.sampleRate));
-    if (stream.bitsPerSample > 0) {
-        type.SetUINT32(MF_MT_AUDIO_BITS_PER_SAMPLE, static_cast<UINT32>(stream.bitsPerSample));
+    type.SetGUID(MF_MT_SUBTYPE, SoundSubtypeOf(stream));
+    type.SetUINT32(MF_MT_AUDIO_NUM_CHANNELS, channels);
+    type.SetUINT32(MF_MT_AUDIO_SAMPLES_PER_SECOND, rate);
+    if (bits > 0) {
+        type.SetUINT32(MF_MT_AUDIO_BITS_PER_SAMPLE, bits);
+    }
+    if (stream.layout != 0 && stream.layout >> 32 == 0) {
+        type.SetUINT32(MF_MT_AUDIO_CHANNEL_MASK, static_cast<UINT32>(stream.layout));
+    }
+    if (IsSoundInMemory(stream)) {
+        const UINT32 frameBytes = bits / 8 * channels;
+        type.SetUINT32(MF_MT_AUDIO_BLOCK_ALIGNMENT, frameBytes);
+        type.SetUINT32(MF_MT_AUDIO_AVG_BYTES_PER_SECOND, frameBytes * rate);
+        type.SetUINT32(MF_MT_ALL_SAMPLES_INDEPENDENT, 1);
     }
 }
 

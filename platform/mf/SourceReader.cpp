@@ -11,11 +11,14 @@
 #include "platform/av/DeferredVideoStream.h"
 #include "platform/av/FileFacts.h"
 #include "platform/com/Object.h"
+#include "platform/mf/AsyncReader.h"
 #include "platform/mf/CompressedSamples.h"
 #include "platform/mf/DXGIDeviceManager.h"
 #include "platform/mf/Errors.h"
 #include "platform/mf/MediaFormats.h"
 #include "platform/mf/NativeType.h"
+#include "platform/mf/SoundSamples.h"
+#include "platform/mf/SoundSubtypes.h"
 #include "platform/mf/SourceFile.h"
 #include "platform/mf/SourceReaderFactory.h"
 #include "platform/mf/SourceSeekInfo.h"
@@ -30,7 +33,8 @@ namespace {
 // What a reader is told when it is made.
 struct Settings {
     bool processesVideo = false;
-    com::ComPtr<IHardwareDevice> device; // may be empty
+    com::ComPtr<IMFSourceReaderCallback> callback; // empty: it is synchronous
+    com::ComPtr<IHardwareDevice> device;           // may be empty
 };
 
 // The device behind a manager; empty where it has none that decodes.
@@ -53,6 +57,10 @@ Settings ReadSettings(IMFAttributes* attributes) {
     }
     settings.processesVideo =
         MFGetAttributeUINT32(attributes, MF_SOURCE_READER_ENABLE_ADVANCED_VIDEO_PROCESSING, 0) != 0;
+    if (FAILED(attributes->GetUnknown(MF_SOURCE_READER_ASYNC_CALLBACK, IID_IMFSourceReaderCallback,
+                                      settings.callback.PutVoid()))) {
+        settings.callback = {};
+    }
     com::ComPtr<IMFDXGIDeviceManager> manager;
     if (SUCCEEDED(attributes->GetUnknown(MF_SOURCE_READER_D3D_MANAGER, IID_IMFDXGIDeviceManager,
                                          manager.PutVoid()))) {
@@ -76,9 +84,10 @@ struct Stream {
     com::ComPtr<IMFMediaType> native;
     com::ComPtr<IMFMediaType> current;
     bool selected = true;
-    std::unique_ptr<av::VideoStream> pictures; // null until needed
-    std::unique_ptr<ISampleSource> samples;    // null until needed; may use `pictures`
-    std::optional<LONGLONG> position;          // where what is made next is to go on
+    std::unique_ptr<av::VideoStream> pictures; // null until needed, as is the next
+    std::unique_ptr<av::SoundStream> sound;
+    std::unique_ptr<ISampleSource> samples; // null until needed; may use one of them
+    std::optional<LONGLONG> position;       // where what is made next is to go on
 };
 
 // The size that `type` asks for where it is another than the stream's own.
@@ -104,9 +113,13 @@ std::optional<PixelLayout> LayoutOf(REFGUID subtype, const Settings& settings) {
 
 class SourceReader final : public com::Object<IMFSourceReader> {
 public:
-    // `first`: the pictures of the file's first video stream, null where nothing decodes them.
+    // `first`: the pictures of the file's first video stream, null where nothing decodes them or
+    // they are not needed yet. `source` is shut down with this; may be null.
     SourceReader(std::string path, Settings settings, const av::FileFacts& facts,
-                 std::unique_ptr<av::VideoStream> first);
+                 std::unique_ptr<av::VideoStream> first, IMFMediaSource* source);
+    ~SourceReader() override;
+    SourceReader(const SourceReader&) = delete;
+    SourceReader& operator=(const SourceReader&) = delete;
 
     HRESULT GetStreamSelection(DWORD streamIndex, BOOL* selected) override;
     HRESULT SetStreamSelection(DWORD streamIndex, BOOL selected) override;
@@ -131,20 +144,24 @@ private:
     HRESULT GiveCopy(IMFMediaType& type, IMFMediaType** copy) const;
     HRESULT UsePixels(Stream& stream, PixelLayout layout, IMFMediaType& type);
     HRESULT UseCompressed(Stream& stream);
+    HRESULT UseSound(Stream& stream, IMFMediaType& type);
+    HRESULT UseNative(Stream& stream);
     HRESULT Begin(Stream& stream, std::unique_ptr<ISampleSource> samples, IMFMediaType& type);
     SampleRead ReadFrom(Stream& stream);
 
     const std::string m_path;
     const Settings m_settings;
+    const com::ComPtr<IMFMediaSource> m_source; // may be empty
     const LONGLONG m_duration;
     std::mutex m_mutex; // guards all below
     std::vector<Stream> m_streams;
 };
 
 SourceReader::SourceReader(std::string path, Settings settings, const av::FileFacts& facts,
-                           std::unique_ptr<av::VideoStream> first)
+                           std::unique_ptr<av::VideoStream> first, IMFMediaSource* source)
     : m_path(std::move(path))
     , m_settings(std::move(settings))
+    , m_source(source)
     , m_duration(facts.duration) {
     for (const av::FileStream& described : facts.streams) {
         Stream& stream = m_streams.emplace_back();
@@ -154,6 +171,12 @@ SourceReader::SourceReader(std::string path, Settings settings, const av::FileFa
         if (described.kind == av::TrackKind::Video && described.ordinal == 0) {
             stream.pictures = std::move(first);
         }
+    }
+}
+
+SourceReader::~SourceReader() {
+    if (m_source) {
+        m_source->Shutdown();
     }
 }
 
@@ -245,11 +268,14 @@ HRESULT SourceReader::SetCurrentMediaType(DWORD streamIndex, DWORD* /*reserved*/
         if (stream == nullptr) {
             return MF_E_INVALIDSTREAMNUMBER;
         }
+        if (stream->facts.kind == av::TrackKind::Audio) {
+            return UseSound(*stream, *type);
+        }
         GUID subtype{};
         GUID native{};
         GUID major{};
-        if (stream->facts.kind != av::TrackKind::Video || FAILED(type->GetMajorType(&major)) ||
-            major != MFMediaType_Video || FAILED(type->GetGUID(MF_MT_SUBTYPE, &subtype))) {
+        if (FAILED(type->GetMajorType(&major)) || major != MFMediaType_Video ||
+            FAILED(type->GetGUID(MF_MT_SUBTYPE, &subtype))) {
             return MF_E_INVALIDMEDIATYPE;
         }
         if (SUCCEEDED(stream->native->GetGUID(MF_MT_SUBTYPE, &native)) && native == subtype) {
@@ -278,6 +304,33 @@ HRESULT SourceReader::UsePixels(Stream& stream, PixelLayout layout, IMFMediaType
 HRESULT SourceReader::UseCompressed(Stream& stream) {
     auto samples = CompressedSamples::Open(m_path, stream.facts.ordinal);
     return samples == nullptr ? E_FAIL : Begin(stream, std::move(samples), *stream.native);
+}
+
+HRESULT SourceReader::UseSound(Stream& stream, IMFMediaType& type) {
+    // What no conversion serves is refused before the file is opened for its sound.
+    if (!ReadSoundType(type, {AV_SAMPLE_FMT_NONE, stream.facts.sampleRate, stream.facts.channels,
+                              stream.facts.layout})) {
+        return MF_E_INVALIDMEDIATYPE;
+    }
+    if (stream.sound == nullptr) {
+        stream.sound = av::SoundStream::Open(m_path, stream.facts.ordinal);
+    }
+    if (stream.sound == nullptr) {
+        return MF_E_TOPO_CODEC_NOT_FOUND;
+    }
+    const auto wanted = ReadSoundType(type, stream.sound->Facts().format);
+    auto samples = wanted ? SoundSamples::Create(*stream.sound, *wanted) : nullptr;
+    return samples == nullptr ? MF_E_INVALIDMEDIATYPE
+                              : Begin(stream, std::move(samples), *CompleteType(type, *wanted));
+}
+
+// Samples as the file holds them; compressed sound is not among what is served.
+HRESULT SourceReader::UseNative(Stream& stream) {
+    if (stream.facts.kind == av::TrackKind::Video) {
+        return UseCompressed(stream);
+    }
+    return IsSoundInMemory(stream.facts) ? UseSound(stream, *stream.native)
+                                         : MF_E_TOPO_CODEC_NOT_FOUND;
 }
 
 // Has the stream go on with `samples`, which are of `type`, where it is now.
@@ -322,10 +375,8 @@ HRESULT SourceReader::SetCurrentPosition(REFGUID timeFormat, REFPROPVARIANT posi
 
 SampleRead SourceReader::ReadFrom(Stream& stream) {
     SampleRead read;
-    if (stream.facts.kind != av::TrackKind::Video) {
-        read.result = MF_E_TOPO_CODEC_NOT_FOUND;
-    } else if (stream.samples == nullptr) {
-        read.result = UseCompressed(stream);
+    if (stream.samples == nullptr) {
+        read.result = UseNative(stream);
     }
     if (SUCCEEDED(read.result)) {
         read = stream.samples->Read();
@@ -416,20 +467,27 @@ HRESULT SourceReader::GetPresentationAttribute(DWORD streamIndex, REFGUID attrib
     return S_OK;
 }
 
-HRESULT Open(const std::string& path, IMFAttributes* attributes, IMFSourceReader** reader) {
+// `source`: what the file was given as; may be null.
+HRESULT Open(const std::string& path, IMFMediaSource* source, IMFAttributes* attributes,
+             IMFSourceReader** reader) {
     std::error_code unknown;
     if (!std::filesystem::exists(path, unknown)) {
         return kFileNotFound;
     }
     Settings settings = ReadSettings(attributes);
+    const auto callback = settings.callback;
     // Nearly every file is opened for its first video stream, so that is opened at once, and tells
-    // what else is there.
-    auto pictures = av::DeferredVideoStream::Open(path, OptionsFor(0, settings));
+    // what else is there; who wants to be called back is after sound.
+    auto pictures =
+        callback ? nullptr : av::DeferredVideoStream::Open(path, OptionsFor(0, settings));
     const auto facts = pictures != nullptr ? pictures->File() : av::ReadFileFacts(path);
     if (!facts || facts->streams.empty()) {
         return MF_E_UNSUPPORTED_BYTESTREAM_TYPE;
     }
-    return com::Make<SourceReader>(reader, path, std::move(settings), *facts, std::move(pictures));
+    const auto made = com::MakeOwned<SourceReader>(path, std::move(settings), *facts,
+                                                   std::move(pictures), source);
+    return callback ? CreateAsyncReader(made.Get(), callback.Get(), reader)
+                    : made->QueryInterface(IID_IMFSourceReader, reinterpret_cast<void**>(reader));
 }
 
 } // namespace
@@ -445,7 +503,8 @@ HRESULT MFCreateSourceReaderFromURL(LPCWSTR url, IMFAttributes* attributes,
     return com::Wall([&] {
         const mf::SourceReaderFactory factory = mf::CurrentSourceReaderFactory();
         return factory ? factory(url, attributes, reader)
-                       : mf::Open(win32::ExistingPath(win32::WideToUtf8(url)), attributes, reader);
+                       : mf::Open(win32::ExistingPath(win32::WideToUtf8(url)), nullptr, attributes,
+                                  reader);
     });
 }
 
@@ -463,6 +522,7 @@ HRESULT MFCreateSourceReaderFromMediaSource(IMFMediaSource* source, IMFAttribute
         if (FAILED(source->QueryInterface(mf::IID_ISourceFile, file.PutVoid()))) {
             return E_NOINTERFACE;
         }
-        return file->IsShutDown() ? MF_E_SHUTDOWN : mf::Open(file->Path(), attributes, reader);
+        return file->IsShutDown() ? MF_E_SHUTDOWN
+                                  : mf::Open(file->Path(), source, attributes, reader);
     });
 }

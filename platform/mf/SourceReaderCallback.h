@@ -32,7 +32,8 @@ struct IMFSourceReaderCallback : IUnknown {
     virtual HRESULT OnReadSample(HRESULT result, DWORD streamIndex, DWORD streamFlags,
                                  LONGLONG timestamp, IMFSample* sample) = 0;
 
-    // Answers one Flush. Requests made before it get no other answer.
+    // Answers one Flush. Requests of the stream that were made before it get no other answer,
+    // unless that was under way already, and none behind this one.
     virtual HRESULT OnFlush(DWORD streamIndex) = 0;
 
     // Other news of the source; this layer has none.

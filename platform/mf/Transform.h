@@ -68,7 +68,8 @@ struct IMFTransform : IUnknown {
     virtual HRESULT SetInputType(DWORD streamId, IMFMediaType* type, DWORD flags) = 0;
     virtual HRESULT SetOutputType(DWORD streamId, IMFMediaType* type, DWORD flags) = 0;
 
-    // FLUSH drops the sample that is held; the notifications change nothing.
+    // FLUSH drops what is held; DRAIN has it give all that is to come of the input so far; the
+    // notifications change nothing.
     virtual HRESULT ProcessMessage(MFT_MESSAGE_TYPE message, std::uintptr_t parameter) = 0;
 
     // Keeps a reference on the sample until its output is taken. MF_E_NOTACCEPTING while it has

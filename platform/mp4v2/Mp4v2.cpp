@@ -2,23 +2,38 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/av/Mp4File.h"
+#include "platform/av/Mp4Writer.h"
 
 namespace {
 
 constexpr std::string_view SampleDescriptions = "mdia.minf.stbl.stsd.";
 
+// One of the two.
+struct File {
+    std::unique_ptr<av::Mp4File> read;
+    std::unique_ptr<av::Mp4Writer> made;
+};
+
+// Null for a handle on a file that is being made, and for none.
 av::Mp4File* FileOf(MP4FileHandle file) {
-    return static_cast<av::Mp4File*>(file);
+    return file == MP4_INVALID_FILE_HANDLE ? nullptr : static_cast<File*>(file)->read.get();
+}
+
+// Null for a handle on a file that is read, and for none.
+av::Mp4Writer* MadeOf(MP4FileHandle file) {
+    return file == MP4_INVALID_FILE_HANDLE ? nullptr : static_cast<File*>(file)->made.get();
 }
 
 // Null where there is none.
 const av::Mp4Track* TrackOf(MP4FileHandle file, MP4TrackId id) {
-    if (file == MP4_INVALID_FILE_HANDLE) {
+    if (FileOf(file) == nullptr) {
         return nullptr;
     }
     const auto& tracks = FileOf(file)->Tracks();
@@ -53,12 +68,13 @@ std::uint16_t ToSize(std::uint32_t pixels) {
 } // namespace
 
 MP4FileHandle MP4Read(const char* path) {
-    return path == nullptr ? MP4_INVALID_FILE_HANDLE : av::Mp4File::Open(path).release();
+    auto file = path == nullptr ? nullptr : av::Mp4File::Open(path);
+    return file == nullptr ? MP4_INVALID_FILE_HANDLE : new File{std::move(file), nullptr};
 }
 
 MP4TrackId MP4FindTrackId(MP4FileHandle file, std::uint16_t index, const char* type,
                           std::uint8_t subType) {
-    if (file == MP4_INVALID_FILE_HANDLE || subType != 0) {
+    if (FileOf(file) == nullptr || subType != 0) {
         return MP4_INVALID_TRACK_ID;
     }
     std::uint32_t before = 0;
@@ -156,6 +172,34 @@ bool MP4ReadSample(MP4FileHandle file, MP4TrackId track, MP4SampleId sample, std
     return true;
 }
 
+std::uint32_t MP4GetTimeScale(MP4FileHandle file) {
+    const av::Mp4File* read = FileOf(file);
+    return read == nullptr ? 0 : read->MovieUnitsPerSecond();
+}
+
+MP4FileHandle MP4Create(const char* path, std::uint32_t flags) {
+    auto file = path == nullptr || flags != 0 ? nullptr : av::Mp4Writer::Create(path);
+    return file == nullptr ? MP4_INVALID_FILE_HANDLE : new File{nullptr, std::move(file)};
+}
+
+bool MP4SetTimeScale(MP4FileHandle file, std::uint32_t unitsPerSecond) {
+    av::Mp4Writer* made = MadeOf(file);
+    if (made == nullptr || unitsPerSecond == 0) {
+        return false;
+    }
+    made->SetUnitsPerSecond(unitsPerSecond);
+    return true;
+}
+
+MP4TrackId MP4CopyTrack(MP4FileHandle source, MP4TrackId track, MP4FileHandle destination, bool,
+                        MP4TrackId) {
+    const av::Mp4Track* found = TrackOf(source, track);
+    av::Mp4Writer* made = MadeOf(destination);
+    const bool copied = found != nullptr && made != nullptr &&
+                        made->CopyTrack(FileOf(source)->Path(), found->stream);
+    return copied ? MP4TrackId{1} : MP4_INVALID_TRACK_ID;
+}
+
 void MP4Close(MP4FileHandle file, std::uint32_t) {
-    delete FileOf(file);
+    delete static_cast<File*>(file);
 }

@@ -12,6 +12,10 @@
 // empty where it shows none. Throws std::runtime_error when the program cannot be run.
 std::optional<BgraPicture> FfmpegPicture(const std::string& path);
 
+// The same of a picture with 16 bits a value, which the program itself does not round when it makes
+// bytes of them.
+std::optional<BgraPicture> DeepFfmpegPicture(const std::string& path);
+
 BgraPicture PictureOf(const Zanthe::Bitmap& bitmap);
 
 // The pixel at x, y as "BBGGRRAA", in hexadecimal.

@@ -74,7 +74,8 @@ std::int64_t WriteSound(Zanthe::IAudioReader& reader, const AudioRequest& reques
 }
 
 void RunAudio(const AudioRequest& asked, std::ostream& out) {
-    const OpenedSound sound = OpenAudio(asked.file, asked.track, asked.rate);
+    const OpenedSound sound = OpenAudio(
+        asked.file, {.track = asked.track, .rate = asked.rate, .recontainer = asked.recontainer});
     AudioRequest request = asked;
     request.rate = sound.rate;
     RequireOtherFile(request.file, request.output);

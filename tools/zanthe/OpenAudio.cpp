@@ -31,13 +31,14 @@ int FirstTrackOfSound(const FileClassification& file) {
 
 } // namespace
 
-OpenedSound OpenAudio(const std::string& path, int track, int rate) {
+OpenedSound OpenAudio(const std::string& path, const AudioChoice& choice) {
     RequireReadableFile(path);
     try {
         const FileClassification file = Zanthe::ClassifyFile(path);
-        const int chosen = track >= 0 ? track : FirstTrackOfSound(file);
-        return {Zanthe::AudioMediaReaderFactory(path, chosen, rate).Create_AudioMediaReader(false),
-                RateOf(file, rate)};
+        const int track = choice.track >= 0 ? choice.track : FirstTrackOfSound(file);
+        return {Zanthe::AudioMediaReaderFactory(path, track, choice.rate)
+                    .Create_AudioMediaReader(choice.recontainer),
+                RateOf(file, choice.rate)};
     } catch (const Zanthe::TextException& error) {
         // The backend that takes this kind of file, not the file, is what the text speaks of.
         throw CommandError(path, std::string("no reader for its sound: ") + error.what());

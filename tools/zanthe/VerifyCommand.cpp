@@ -156,7 +156,8 @@ void Verify(const VerifySources& sources, const VerifyRequest& request, std::ost
 
 void RunVerify(const VerifyRequest& request, std::ostream& out) {
     RequireReadableFile(Zanthe::ContainerPathOf(request.file));
-    Verify({.sound = [&] { return OpenAudio(request.file, -1, request.rate); },
+    const AudioChoice choice{.rate = request.rate, .recontainer = request.recontainer};
+    Verify({.sound = [&] { return OpenAudio(request.file, choice); },
             .video = [&] { return OpenVideo(request.file, request.choice); }},
            request, out);
 }

@@ -22,6 +22,7 @@ struct VerifyRequest {
     std::int64_t seeks = 200;          // random reads, of each
     std::optional<std::uint64_t> seed; // none: another every time
     int rate = 44100;                  // Hz, of the sound, where its backend converts
+    bool recontainer = false;          // the sound by way of a copy of its track
     bool json = false;
 };
 

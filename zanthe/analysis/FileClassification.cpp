@@ -118,7 +118,8 @@ ClassifiedBackend BackendFor(const std::wstring& path, MediaFoundationPurpose pu
 
 // What this build has a backend behind; None needs none. A route that is chosen and missing here
 // fails to open.
-constexpr std::array<AudioRoute, 2> BuiltAudioRoutes{AudioRoute::Ffmpeg, AudioRoute::Recording};
+constexpr std::array<AudioRoute, 3> BuiltAudioRoutes{AudioRoute::Ffmpeg, AudioRoute::Recording,
+                                                     AudioRoute::MediaFoundation};
 constexpr std::array<VideoRoute, 1> BuiltVideoRoutes{VideoRoute::MediaFoundation};
 constexpr std::array<OwnVideoDecoder, 5> BuiltOwnDecoders{
     OwnVideoDecoder::None, OwnVideoDecoder::LegacyRecording, OwnVideoDecoder::Recording,

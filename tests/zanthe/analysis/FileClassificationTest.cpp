@@ -69,8 +69,9 @@ TEST(ClassifyFile, RoutesAreThoseOfThisSystem) {
 
 TEST(ClassifyFile, TellsWhatThisBuildHas) {
     EXPECT_EQ(ClassifyFile("a.mp3").audioRoute, (ClassifiedRoute{"FFmpeg", true}));
+    EXPECT_EQ(ClassifyFile("a.mp4").audioRoute, (ClassifiedRoute{"Media Foundation", true}));
+    EXPECT_EQ(ClassifyFile("a.avi").audioRoute, (ClassifiedRoute{"DirectShow", false}));
     EXPECT_EQ(ClassifyFile("a.brec").audioRoute, (ClassifiedRoute{"recording", true}));
-    EXPECT_EQ(ClassifyFile("a.mp4").audioRoute, (ClassifiedRoute{"Media Foundation", false}));
     EXPECT_EQ(ClassifyFile("a.mp4").videoRoute, (ClassifiedRoute{"Media Foundation", true}));
     EXPECT_EQ(ClassifyFile("a.gif").videoRoute, (ClassifiedRoute{"GIF decoder", true}));
     EXPECT_EQ(ClassifyFile("a.orirec!Screen_Stream.avi").videoRoute,

@@ -33,6 +33,7 @@ void Declare(CLI::App& command, AudioRequest& request) {
                     "(default: the first of sound); other files have one, whatever is given")
         ->type_name("N")
         ->transform(WholeNumber(0, std::numeric_limits<int>::max()));
+    AddRecontainer(command, request.recontainer);
     command.add_flag("--float", request.isFloat, "Write 32 bit floats (default: 16 bit integers)");
     command
         .add_option("-o,--output", request.output,

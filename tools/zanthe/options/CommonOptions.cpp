@@ -37,6 +37,12 @@ void AddRate(CLI::App& command, int& rate) {
         ->capture_default_str();
 }
 
+void AddRecontainer(CLI::App& command, bool& recontainer) {
+    command.add_flag("--recontainer", recontainer,
+                     "Read AAC in an MP4 file by way of a temporary copy of its sound track; other "
+                     "files are read as they are");
+}
+
 void AddStreamAndFormat(CLI::App& command, VideoChoice& choice) {
     command
         .add_option("--stream", choice.stream,

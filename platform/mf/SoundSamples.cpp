@@ -1,0 +1,81 @@
+#include "platform/mf/SoundSamples.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "platform/mf/SampleMaking.h"
+#include "platform/mf/SourceReader.h"
+
+extern "C" {
+#include <libavutil/mathematics.h>
+}
+
+namespace mf {
+
+namespace {
+
+constexpr LONGLONG kUnitsPerSecond = 10'000'000;
+
+} // namespace
+
+std::unique_ptr<SoundSamples> SoundSamples::Create(av::SoundStream& stream, const SoundType& type) {
+    auto sound = av::ConvertedSound::Create(stream, type.format);
+    return sound == nullptr ? nullptr
+                            : std::unique_ptr<SoundSamples>(
+                                  new SoundSamples(std::move(sound), type, stream.Facts().start));
+}
+
+LONGLONG SoundSamples::TimeOf(LONGLONG frame) const {
+    return m_start + av_rescale_rnd(frame, kUnitsPerSecond, m_type.format.rate, AV_ROUND_NEAR_INF);
+}
+
+// The last frame whose time is at or before `time`.
+LONGLONG SoundSamples::FrameAt(LONGLONG time) const {
+    constexpr LONGLONG kMost = LONGLONG{1} << 58; // what is added to it fits
+    const LONGLONG since = std::clamp(time, -kMost, kMost) - m_start;
+    if (since <= 0) {
+        return 0;
+    }
+    LONGLONG frame = av_rescale_rnd(since, m_type.format.rate, kUnitsPerSecond, AV_ROUND_DOWN);
+    while (TimeOf(frame + 1) <= time) {
+        ++frame;
+    }
+    while (frame > 0 && TimeOf(frame) > time) {
+        --frame;
+    }
+    return frame;
+}
+
+HRESULT SoundSamples::SetPosition(LONGLONG position) {
+    m_sound->Seek(FrameAt(position));
+    return S_OK;
+}
+
+SampleRead SoundSamples::Read() {
+    SampleRead read;
+    av::SoundChunk chunk;
+    switch (m_sound->Read(chunk)) {
+    case av::SoundRead::End:
+        read.flags = MF_SOURCE_READERF_ENDOFSTREAM;
+        break;
+    case av::SoundRead::Failed:
+        read.result = E_FAIL;
+        break;
+    case av::SoundRead::Piece:
+        read.time = TimeOf(chunk.start);
+        read.result = MakeSample(chunk, read.sample);
+        break;
+    }
+    return read;
+}
+
+HRESULT SoundSamples::MakeSample(const av::SoundChunk& chunk,
+                                 com::ComPtr<IMFSample>& sample) const {
+    const auto size = static_cast<std::size_t>(chunk.frames * m_sound->FrameBytes());
+    std::vector<std::uint8_t> bytes(chunk.bytes, chunk.bytes + size);
+    Pack(m_type, bytes);
+    const LONGLONG time = TimeOf(chunk.start);
+    return MakeFilledSample(bytes, time, TimeOf(chunk.start + chunk.frames) - time, sample);
+}
+
+} // namespace mf
