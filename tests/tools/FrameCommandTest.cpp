@@ -115,8 +115,9 @@ TEST(WriteFrames, TellsAllAsJson) {
     EXPECT_EQ(frame["time_100ns"], 0);
     EXPECT_EQ(frame["duration_100ns"], 9'999'999);
     EXPECT_EQ(frame["matrix"], nullptr);
+    EXPECT_EQ(frame["matrix_name"], nullptr);
     EXPECT_EQ(frame["memory"], "system");
-    EXPECT_EQ(frame["operations"], (std::vector<std::string>{"looked", "found"}));
+    EXPECT_EQ(frame["operations"].dump(), R"({"found":1,"looked":1})");
     EXPECT_EQ(frame["output"], request.png);
 }
 
@@ -174,5 +175,5 @@ TEST(WriteFrames, SeveralPicturesDoNotGoToStandardOutput) {
     FrameRequest request = Request({MediaTime(0), MediaTime(1)});
     request.raw = "-";
     std::ostringstream out;
-    EXPECT_THROW(WriteFrames(video, request, out), CommandError);
+    EXPECT_THROW(WriteFrames(video, request, out), Program::UsageError);
 }

@@ -15,7 +15,7 @@ namespace {
 class Interrupts : public ::testing::Test {
 protected:
     ~Interrupts() override {
-        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
             std::signal(signal, SIG_DFL);
         }
     }
@@ -54,7 +54,7 @@ TEST_F(Interrupts, ASignalThatIsIgnoredStaysIgnored) {
 }
 
 TEST_F(Interrupts, WhatIsNoLongerCaughtEndsTheProgram) {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
         CatchInterrupts();
         StopCatchingInterrupts();
         EXPECT_EXIT(std::raise(signal), testing::KilledBySignal(signal), "");

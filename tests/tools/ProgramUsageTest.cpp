@@ -65,6 +65,14 @@ TEST(ProgramUsage, WrongUsageEndsWithTwo) {
     ExpectUsageError({"verify", "a.mp3", "--nonsense"}, "--nonsense");
 }
 
+TEST(ProgramUsage, WhatIsNotKnownIsNamedBeforeWhatIsMissing) {
+    ExpectUsageError({"frame", "--bogus"}, "no such option: --bogus (see zanthe frame --help)");
+    ExpectUsageError({"--bogus"}, "no such option: --bogus (see zanthe --help)");
+    ExpectUsageError({"paint"}, "no such command: paint (see zanthe --help)");
+    ExpectUsageError({"sheet", "a.mp4", "b.mp4"}, "one argument too many: b.mp4");
+    ExpectUsageError({"frame", "a.mp4"}, "--at is required (see zanthe frame --help)");
+}
+
 TEST(ProgramUsage, ARateIsAWholeNumberOfHertzWithinBounds) {
     for (const char* rate : {"0", "768001", "-1", "44.1", "x", "", "99999999999999999999"}) {
         ExpectUsageError({"audio", "a.mp3", "-o", "out.wav", "--rate", rate}, "--rate");

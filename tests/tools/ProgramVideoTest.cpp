@@ -94,6 +94,63 @@ TEST(ProgramFrame, ATimeWithoutAPictureLeavesNoFile) {
     EXPECT_EQ(FilesIn(folder.Path()), 0);
 }
 
+TEST(ProgramFrame, TimesMayBeGivenOneByOne) {
+    TemporaryFolder folder;
+    const auto json = Parsed(RunProgram(
+        {"frame", Clip(), "--at", "0", "--at", "0.1,0.2", "-o", folder / "out.png", "--json"}));
+    EXPECT_EQ(json["frames"].size(), 3U);
+}
+
+TEST(ProgramFrame, SeveralPicturesOnStandardOutputAreWrongUsage) {
+    EXPECT_EQ(RunProgram({"frame", Clip(), "--at", "0,0.1", "-o", "-"}).status, 2);
+}
+
+TEST(ProgramFrame, ANamelessOutputIsNamed) {
+    const ProgramEnd end = RunProgram({"sheet", Clip(), "-o", ""});
+    EXPECT_EQ(end.status, 1);
+    EXPECT_THAT(end.err, StartsWith("zanthe: \"\": "));
+}
+
+TEST(ProgramFrame, ANameThatIsNoPngsIsRemarkedOn) {
+    TemporaryFolder folder;
+    const std::string out = folder / "out.jpg";
+    const ProgramEnd end = RunProgram({"frame", Clip(), "--at", "0", "-o", out});
+    EXPECT_EQ(end.status, 0);
+    EXPECT_EQ(end.err, "zanthe: " + out + ": holds PNG all the same\n");
+    EXPECT_EQ(ReadPng(out).width, 64);
+    EXPECT_EQ(RunProgram({"frame", Clip(), "--at", "0", "-o", folder / "out.PNG"}).err, "");
+}
+
+TEST(ProgramFrame, AnotherStreamThanTheReadersIsRemarkedOn) {
+    TemporaryFolder folder;
+    const ProgramEnd end = RunProgram(
+        {"frame", Clip(), "--at", "0", "--stream", "5", "-o", folder / "out.png", "--json"});
+    EXPECT_EQ(Parsed(end)["stream"], 0);
+    EXPECT_THAT(end.err, HasSubstr("stream 0 is read, not 5\n"));
+}
+
+TEST(ProgramFrame, ATurnThatIsLostToStrayBytesIsRemarkedOn) {
+    TemporaryFolder folder;
+    const std::string clip = folder.Write("clip.mov", ReadWholeFile(MadeMedia("mp4-rotate90.mp4")) +
+                                                          std::string(2, '\0'));
+    const ProgramEnd end =
+        RunProgram({"frame", clip, "--at", "0", "-o", folder / "out.png", "--json"});
+    const auto json = Parsed(end);
+    EXPECT_EQ(json["video"]["rotation"], 0);
+    ASSERT_EQ(json["video"]["remarks"].size(), 1U);
+    EXPECT_EQ(end.err,
+              "zanthe: " + clip + ": " + json["video"]["remarks"][0].get<std::string>() + '\n');
+    EXPECT_THAT(end.err, HasSubstr("cannot be walked to the end"));
+}
+
+TEST(ProgramFrame, AWrongNameIsRemarkedOnWhenItIsRefused) {
+    TemporaryFolder folder;
+    const std::string clip = folder.Write("clip.avi", ReadWholeFile(Clip()));
+    const ProgramEnd end = RunProgram({"frame", clip, "--at", "0", "-o", folder / "out.png"});
+    EXPECT_EQ(end.status, 1);
+    EXPECT_THAT(end.err, HasSubstr("the name says .avi, the contents say mov,mp4"));
+}
+
 TEST(ProgramFrame, RefusesAFileWithoutPictures) {
     TemporaryFolder folder;
     const std::string out = folder / "out.png";

@@ -10,6 +10,7 @@ namespace {
 
 using Program::Picture;
 using Program::UnitsLookedFor;
+using Program::WholeUnits;
 
 constexpr int Padding = 3; // pixels at the right of each row, and rows below
 
@@ -80,7 +81,7 @@ std::optional<Picture> ScriptedVideo::At(const Zanthe::MediaTime& time) {
 }
 
 std::optional<Picture> ScriptedVideo::Honest(const Zanthe::MediaTime& time) const {
-    const auto index = IndexAt(UnitsLookedFor(time));
+    const auto index = IndexAt(facts.tellsTimes ? UnitsLookedFor(time) : WholeUnits(time));
     return index ? std::optional(PictureOf(*index)) : std::nullopt;
 }
 

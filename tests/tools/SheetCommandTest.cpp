@@ -96,6 +96,32 @@ TEST(WriteSheet, AVideoWithoutADurationIsMeasured) {
     EXPECT_EQ(json["pictures"][3]["shown"], true);
 }
 
+TEST(Suited, AVideoOfOnePictureGetsOneCell) {
+    TemporaryFolder folder;
+    for (const std::int64_t told : {5'000'000, 10'000'000}) {
+        ScriptedVideo one({0}, 10'000'000);
+        one.facts.duration = told;
+        EXPECT_EQ(Program::Suited(one, Request(folder)).columns, 1) << told;
+        EXPECT_EQ(Program::Suited(one, Request(folder)).rows, 1);
+        ScriptedVideo two({0, 4'000'000}, 10'000'000);
+        two.facts.duration = told;
+        EXPECT_EQ(Program::Suited(two, Request(folder)).columns, 2);
+    }
+    ScriptedVideo unknown({0}, 10'000'000, false);
+    EXPECT_EQ(Program::Suited(unknown, Request(folder)).columns, 2);
+}
+
+TEST(WriteSheet, SaysHowManyCellsShowAPictureAndTheTimesOfTheirCaptions) {
+    TemporaryFolder folder;
+    ScriptedVideo video({0, 2'000'000}, 10'000'000);
+    video.facts.duration = 20'000'000;
+    const SheetRequest request = Request(folder);
+    std::ostringstream out;
+    WriteSheet(video, nullptr, request, out);
+    EXPECT_EQ(out.str().substr(request.output.size()),
+              ": 216 x 116, 2 of 4 pictures from 0:00:00.200 to 0:00:00.200\n");
+}
+
 TEST(WriteSheet, AVideoWithoutPicturesIsRefused) {
     TemporaryFolder folder;
     ScriptedVideo video({}, 0);

@@ -51,7 +51,8 @@ TEST(ParseTime, WhatIsNoTimeIsRefused) {
          {"",        " ",    "x",       "1x", "-1",  "+1",   "1e3",  "0x10",  "1.",    ".5",
           "1..2",    "1.-2", "1/",      "/1", "1/0", "1/-2", "-1/2", "1/2/3", "1.5/2", "1:60",
           "1:60:00", "1:-1", "1:2:3:4", "1:", ":1",  "1:.5", "nan",  "inf",   "1,5 ",  "1 2"}) {
-        EXPECT_EQ(RefusalOf(text), "'" + std::string(text) + "' is no time");
+        EXPECT_EQ(RefusalOf(text),
+                  "'" + std::string(text) + "' is no time such as 12.5, 1001/30000 or 0:01:02.5");
     }
 }
 
@@ -88,13 +89,23 @@ TEST(TimeText, PrintsFractionsAndClocks) {
     EXPECT_EQ(ClockText(9'999'999), "0:00:01.000");
 }
 
-TEST(TimeText, LooksForTheWholeUnits) {
-    EXPECT_EQ(Program::UnitsLookedFor(MediaTime(1, 3)), 3333333);
-    EXPECT_EQ(Program::UnitsLookedFor(MediaTime(2, 3)), 6666666);
-    EXPECT_EQ(Program::UnitsLookedFor(MediaTime(5)), 50'000'000);
+TEST(TimeText, CountsTheWholeUnits) {
+    EXPECT_EQ(Program::WholeUnits(MediaTime(1, 3)), 3333333);
+    EXPECT_EQ(Program::WholeUnits(MediaTime(2, 3)), 6666666);
+    EXPECT_EQ(Program::WholeUnits(MediaTime(5)), 50'000'000);
     // By way of a double it were a unit less.
-    EXPECT_EQ(Program::UnitsLookedFor(MediaTime(41, 25)), 16'400'000);
+    EXPECT_EQ(Program::WholeUnits(MediaTime(41, 25)), 16'400'000);
     for (std::int64_t units = 0; units < 100'000'000; units += 33'367) {
-        EXPECT_EQ(Program::UnitsLookedFor(Program::TimeOfUnits(units)), units);
+        EXPECT_EQ(Program::WholeUnits(Program::TimeOfUnits(units)), units);
+    }
+}
+
+TEST(TimeText, LooksForTheUnitsThatDoubleGives) {
+    EXPECT_EQ(Program::UnitsLookedFor(MediaTime(5)), 50'000'000);
+    EXPECT_EQ(Program::UnitsLookedFor(MediaTime(7'599'999, 10'000'000)), 7'599'998);
+    for (std::int64_t units = 0; units < 100'000'000; units += 33'367) {
+        const std::int64_t seen = Program::UnitsLookedFor(Program::TimeOfUnits(units));
+        EXPECT_LE(seen, units);
+        EXPECT_GE(seen, units - 1);
     }
 }

@@ -89,6 +89,34 @@ TEST(Verify, WhatTheFileLacksIsSaid) {
                 StartsWith("in.mp4: no reader for its sound: none\nin.mp4: 100 pictures "));
 }
 
+TEST(Verify, AFileWithoutSoundIsToldFromOneThatIsNotRead) {
+    VerifySources sources = VideoAlone();
+    VerifyRequest request = Request();
+    sources.whyNoSound = [] { return Program::SoundAbsence{.text = "no reader in this build"}; };
+    EXPECT_THAT(Text(sources, request), StartsWith("in.mp4: no reader in this build\n"));
+    request.json = true;
+    EXPECT_EQ(nlohmann::json::parse(Text(sources, request))["audio_state"], "no reader");
+    sources.whyNoSound = [] {
+        return Program::SoundAbsence{.isSilent = true, .text = "has no sound"};
+    };
+    const auto json = nlohmann::json::parse(Text(sources, request));
+    EXPECT_EQ(json["audio_state"], "absent");
+    EXPECT_EQ(json["audio_absent"], "has no sound");
+    EXPECT_EQ(json["video_state"], "verified");
+    sources.whyNoSound = [] { return Program::SoundAbsence{}; };
+    EXPECT_EQ(nlohmann::json::parse(Text(sources, request))["audio_absent"],
+              "no reader for its sound: none");
+}
+
+TEST(Verify, WhatIsNotAskedForIsNotAbsent) {
+    VerifyRequest request = Request();
+    request.video = true;
+    request.json = true;
+    const auto json = nlohmann::json::parse(Text(Both(), request));
+    EXPECT_EQ(json["audio_state"], "not asked for");
+    EXPECT_EQ(json["audio_absent"], nullptr);
+}
+
 TEST(Verify, WhatIsAskedForMustBeThere) {
     VerifyRequest request = Request();
     request.video = true;

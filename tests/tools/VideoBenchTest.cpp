@@ -25,7 +25,7 @@ struct Recorder {
         ScriptedVideo* raw = video.get();
         const std::size_t index = asked.size() - 1;
         video->script = [this, raw, index](std::size_t, const Zanthe::MediaTime& time) {
-            asked[index].push_back(Program::UnitsLookedFor(time));
+            asked[index].push_back(Program::WholeUnits(time));
             return raw->Honest(time);
         };
         return video;

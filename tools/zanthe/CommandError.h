@@ -21,6 +21,12 @@ private:
     std::size_t m_subjectLength; // with what separates it
 };
 
+// The request contradicts itself, whatever the files hold: the program ends with 2.
+class UsageError : public CommandError {
+public:
+    using CommandError::CommandError;
+};
+
 // `text` with its control characters, and bytes that are no UTF-8, written as \xHH: a file's name
 // may hold line breaks and terminal commands, and what we print about it stays one line all the
 // same.

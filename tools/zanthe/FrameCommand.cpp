@@ -1,5 +1,6 @@
 #include "tools/zanthe/FrameCommand.h"
 
+#include <array>
 #include <filesystem>
 #include <optional>
 #include <sstream>
@@ -76,6 +77,21 @@ Written WriteOne(IVideo& video, const FrameRequest& request, std::size_t index,
             .operations = video.Operations()};
 }
 
+Json MatrixName(const std::optional<std::uint32_t>& matrix) {
+    constexpr std::array names{"not told", "BT.709", "BT.601", "SMPTE 240M"};
+    return matrix && *matrix < names.size() ? Json(names[*matrix]) : Json(nullptr);
+}
+
+// Each thing done with how often it was done, in the order of the first times: a step is repeated
+// for every picture on the way.
+Json OperationsJson(const std::vector<std::string>& operations) {
+    Json counts = Json::object();
+    for (const std::string& operation : operations) {
+        counts[operation] = counts.value(operation, 0) + 1;
+    }
+    return counts;
+}
+
 Json JsonOf(const Written& written) {
     return {{"asked", FractionText(written.asked)},
             {"asked_seconds", Zanthe::MediaTimeToSeconds(written.asked)},
@@ -84,9 +100,10 @@ Json JsonOf(const Written& written) {
             {"width", written.size.width},
             {"height", written.size.height},
             {"matrix", JsonOrNull(written.matrix)},
+            {"matrix_name", MatrixName(written.matrix)},
             {"range", JsonOrNull(written.range)},
             {"memory", written.onDevice ? "device" : "system"},
-            {"operations", written.operations},
+            {"operations", OperationsJson(written.operations)},
             {"output", written.output}};
 }
 
@@ -98,7 +115,7 @@ void PrintJson(const FrameRequest& request, const VideoFacts& facts,
     }
     PrintJsonLine({{"command", "frame"},
                    {"file", request.file},
-                   {"stream", request.choice.stream},
+                   {"stream", facts.stream.value_or(request.choice.stream)},
                    {"format", static_cast<int>(request.choice.format)},
                    {"video", JsonOf(facts)},
                    {"as_stored", request.asStored},
@@ -115,7 +132,8 @@ void PrintLine(const Written& written, std::ostream& out) {
         line << ", shown from " << ClockText(*written.start);
     }
     if (written.duration) {
-        line << " for " << static_cast<double>(*written.duration) / 10'000 << " ms";
+        // A sample ends a unit before the next begins; people count to that.
+        line << " for " << static_cast<double>(*written.duration + 1) / 10'000 << " ms";
     }
     out << OneLine(line.str()) << '\n';
 }
@@ -151,7 +169,7 @@ void WriteFrames(IVideo& video, const FrameRequest& request, std::ostream& out) 
     const std::string& output = request.Output();
     const bool toStandardOutput = OutputFile::IsStandardOutput(output);
     if (toStandardOutput && request.times.size() > 1) {
-        throw CommandError(output, "takes one picture only");
+        throw UsageError(output, "standard output takes one picture only");
     }
     std::vector<std::unique_ptr<OutputFile>> files;
     std::vector<Written> written;
@@ -172,6 +190,8 @@ void WriteFrames(IVideo& video, const FrameRequest& request, std::ostream& out) 
 void RunFrame(const FrameRequest& request, std::ostream& out) {
     const std::unique_ptr<IVideo> video = OpenVideo(request.file, request.choice);
     WriteFrames(*video, request, out);
+    PrintRemarks(request.file, video->Facts());
+    RemarkName(request.png);
 }
 
 } // namespace Program

@@ -26,7 +26,8 @@ struct FrameRequest {
 
 // Writes the pictures and says on `out` what they are. All files are there at the end, or none.
 //
-// Throws CommandError when the file, a time or an output cannot be served, std::exception with the
+// Throws UsageError when several times go to standard output, CommandError when the file, a time or
+// an output cannot be served, std::exception with the
 // library's text when reading fails, Interrupted.
 void RunFrame(const FrameRequest& request, std::ostream& out);
 

@@ -76,6 +76,7 @@ H264Video::H264Video(std::unique_ptr<Zanthe::WinH264SampleReader> reader, const 
     m_facts.duration = m_reader->StreamDuration();
     m_facts.tellsTimes = true;
     m_facts.alpha = Alpha::None;
+    m_facts.stream = 0; // whatever was asked for
 }
 
 std::optional<Picture> H264Video::At(const Zanthe::MediaTime& time) {

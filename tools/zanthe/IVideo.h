@@ -33,7 +33,8 @@ struct VideoFacts {
     std::optional<std::int64_t> duration = {}; // 100 ns, where the reader tells it
     bool tellsTimes = false;                   // every picture comes with its start and duration
     Alpha alpha = Alpha::None;
-    std::string reader = {}; // what reads it, in a word or two
+    std::optional<int> stream = {}; // the number of the stream that is read, where that is known
+    std::string reader = {};        // what reads it, in a word or two
 
     // What a person ought to know of how it is shown, one line each, without a full stop.
     std::vector<std::string> remarks = {};

@@ -51,6 +51,7 @@ void StopCatchingInterrupts() {
     StopCatching(SIGINT);
     StopCatching(SIGTERM);
     StopCatching(SIGHUP);
+    StopCatching(SIGPIPE);
     ThrowIfInterrupted();
 }
 

@@ -45,6 +45,8 @@ int Serve(const std::string& file, const std::function<void()>& run) {
         return FlushOutput();
     } catch (const Program::Interrupted& interrupted) {
         return 128 + interrupted.signal;
+    } catch (const Program::UsageError& error) {
+        return EndWith(ExitUsage, error.what());
     } catch (const Program::CommandError& error) {
         return EndWith(ExitRefused, error.what());
     } catch (const std::bad_alloc&) {
@@ -108,10 +110,28 @@ void AddAll(Commands& commands) {
                  Program::RunVerify);
 }
 
+// What a wrong command line is to be told. CLI11 looks for what is missing before it looks at what
+// it does not know, and would ask for FILE where an option is misspelt.
+std::string TextOf(const CLI::App& app, const CLI::ParseError& error) {
+    const auto commands = app.get_subcommands();
+    const std::string help =
+        commands.empty() ? "zanthe --help" : "zanthe " + commands.front()->get_name() + " --help";
+    const std::vector<std::string> unknown = app.remaining(true);
+    std::string text = error.what();
+    if (!unknown.empty() && unknown.front() != "--") {
+        const bool isOption = unknown.front().rfind('-', 0) == 0;
+        text = (isOption           ? "no such option: "
+                : commands.empty() ? "no such command: "
+                                   : "one argument too many: ") +
+               unknown.front();
+    }
+    return text + " (see " + help + ")";
+}
+
 // Help and version end well, all other errors do not.
 int EndParsing(const CLI::App& app, const CLI::ParseError& error) {
     if (error.get_exit_code() != 0) {
-        return EndWith(ExitUsage, std::string(error.what()) + " (see zanthe --help)");
+        return EndWith(ExitUsage, TextOf(app, error));
     }
     return Serve("zanthe", [&] { app.exit(error, std::cout, std::cerr); });
 }

@@ -1,5 +1,8 @@
 #include "tools/zanthe/OpenVideo.h"
 
+#include <algorithm>
+#include <array>
+#include <iostream>
 #include <utility>
 
 #include "tools/zanthe/CommandError.h"
@@ -19,8 +22,41 @@ using Zanthe::FileClassification;
 using Zanthe::VideoDecoderToVideoSampleReader;
 using Zanthe::VideoSampleReader;
 
+// What the classification knows of a file that is refused: the library's own text tells where it
+// gave up, and means nothing to most.
+std::string Explanation(const FileClassification& file) {
+    std::string text;
+    if (!file.videoRoute.isBuilt && !file.videoRoute.backend.empty()) {
+        const std::string contents =
+            file.contents.empty() ? "contents of no known kind" : file.contents;
+        text += "; this build reads no pictures by way of " + file.videoRoute.backend + ", where " +
+                contents + " under this name goes";
+    }
+    for (const std::string& remark : file.remarks) {
+        if (remark.rfind("the name ", 0) == 0) {
+            text += "; " + remark;
+        }
+    }
+    return text;
+}
+
 [[noreturn]] void Refuse(const std::string& path, const std::string& reason) {
-    throw CommandError(path, "no reader for its pictures: " + reason);
+    throw CommandError(path, "no reader for its pictures: " + reason +
+                                 Explanation(Zanthe::ClassifyFile(path)));
+}
+
+// A reader leaves the picture as it is stored where the boxes cannot be walked to the end, whatever
+// the track's matrix says.
+void RemarkLostTurn(const FileClassification& file, VideoFacts& facts) {
+    const std::array<double, 4> upright{1, 0, 0, 1};
+    const auto isTurned = [&](const Zanthe::ClassifiedTrack& track) {
+        return track.kind == "video" && track.matrix != upright;
+    };
+    if (!file.mp4Problem.empty() && !file.orientation &&
+        std::any_of(file.tracks.begin(), file.tracks.end(), isTurned)) {
+        facts.remarks.push_back(file.mp4Problem +
+                                ": it is shown as it is stored, though its matrix says otherwise");
+    }
 }
 
 std::unique_ptr<VideoSampleReader> OpenReader(const std::string& path, const VideoChoice& choice) {
@@ -55,6 +91,7 @@ Alpha AlphaOf(const FileClassification& file) {
 VideoFacts FactsOf(const std::string& path, int stream, const VideoSampleReader& reader) {
     const FileClassification file = Zanthe::ClassifyFile(path, stream);
     VideoFacts facts{.alpha = AlphaOf(file), .reader = file.videoRoute.backend};
+    RemarkLostTurn(file, facts);
     if (!file.orientation) {
         return facts;
     }
@@ -84,7 +121,12 @@ std::unique_ptr<IVideo> OpenVideo(const std::string& path, const VideoChoice& ch
     RequireReadableFile(Zanthe::ContainerPathOf(path));
     std::unique_ptr<VideoSampleReader> reader = OpenReader(path, choice);
     try {
-        const VideoFacts facts = FactsOf(path, choice.stream, *reader);
+        VideoFacts facts = FactsOf(path, choice.stream, *reader);
+        if (choice.stream != 0 &&
+            dynamic_cast<Zanthe::WinH264SampleReader*>(reader.get()) != nullptr) {
+            facts.remarks.push_back("its reader knows one stream alone: stream 0 is read, not " +
+                                    std::to_string(choice.stream));
+        }
         return VideoOver(std::move(reader), facts);
     } catch (const std::exception& error) {
         Refuse(path, error.what());
@@ -100,6 +142,12 @@ std::unique_ptr<IVideo> VideoOver(std::unique_ptr<VideoSampleReader> reader,
         return std::make_unique<H264Video>(std::move(h264), facts);
     }
     return std::make_unique<SampleReaderVideo>(std::move(reader), facts);
+}
+
+void PrintRemarks(const std::string& path, const VideoFacts& facts) {
+    for (const std::string& remark : facts.remarks) {
+        std::cerr << "zanthe: " << OneLine(path + ": " + remark) << '\n';
+    }
 }
 
 } // namespace Program

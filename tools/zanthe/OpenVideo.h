@@ -18,11 +18,15 @@ struct VideoChoice {
 // The pictures of the file at `path`, which may name a member of a recording behind a "!".
 //
 // Throws CommandError when the file cannot be read (see InputFile.h), or "no reader for its
-// pictures: " and the reason when the library has none for it or its reader refuses it.
+// pictures: " and the reason when the library has none for it or its reader refuses it, with what
+// the classification adds: that this build has no such reader, that name and contents contradict.
 std::unique_ptr<IVideo> OpenVideo(const std::string& path, const VideoChoice& choice);
 
 // The same over a reader that is open.
 std::unique_ptr<IVideo> VideoOver(std::unique_ptr<Zanthe::VideoSampleReader> reader,
                                   const VideoFacts& facts);
+
+// Says what is to be known of the pictures on stderr, a line each: the report may go to a program.
+void PrintRemarks(const std::string& path, const VideoFacts& facts);
 
 } // namespace Program

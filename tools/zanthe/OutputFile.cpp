@@ -160,7 +160,7 @@ bool OutputFile::IsStandardOutput(const std::string& target) {
 }
 
 OutputFile::OutputFile(const std::string& target)
-    : m_name(target) {
+    : m_name(target.empty() ? "\"\"" : target) {
     if (IsStandardOutput(target)) {
         m_temporary = MakeFreshForStandardOutput(m_name);
         return;

@@ -1,6 +1,10 @@
 #include "tools/zanthe/PictureFile.h"
 
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <stdexcept>
 
 #include "tools/zanthe/CommandError.h"
@@ -21,6 +25,15 @@ void SavePng(const Zanthe::Bitmap& bitmap, const std::string& path, const std::s
     } catch (const std::runtime_error&) {
         // Its text names the passing file, which means nothing to whoever asked for another.
         Refuse(name);
+    }
+}
+
+void RemarkName(const std::string& name) {
+    std::string ending = std::filesystem::path(name).extension().string();
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](unsigned char each) { return static_cast<char>(std::tolower(each)); });
+    if (!ending.empty() && ending != ".png") {
+        std::cerr << "zanthe: " << OneLine(name) << ": holds PNG all the same\n";
     }
 }
 

@@ -11,6 +11,9 @@ namespace Program {
 // CommandError "could not be written whole".
 void SavePng(const Zanthe::Bitmap& bitmap, const std::string& path, const std::string& name);
 
+// Says on stderr that `name` has the ending of another kind of file, where it does.
+void RemarkName(const std::string& name);
+
 // The pixels alone, row by row.
 void SaveRaw(const Zanthe::Bitmap& bitmap, const std::string& path, const std::string& name);
 

@@ -1,5 +1,6 @@
 #include "tools/zanthe/SheetCommand.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <optional>
 #include <utility>
@@ -66,6 +67,29 @@ SheetPicture DrawCell(Canvas& canvas, IVideo& video, const SheetCell& cell, std:
     return shown;
 }
 
+// As the caption says it.
+std::string TimeTextOf(const SheetPicture& picture) {
+    return ClockText(picture.start.value_or(picture.asked));
+}
+
+// How many cells show something, and from when to when.
+std::string CountText(const std::vector<SheetPicture>& pictures) {
+    const auto isShown = [](const SheetPicture& picture) { return picture.shown; };
+    const auto shown = std::count_if(pictures.begin(), pictures.end(), isShown);
+    std::string text = std::to_string(shown);
+    if (shown < static_cast<std::ptrdiff_t>(pictures.size())) {
+        text += " of " + std::to_string(pictures.size());
+    }
+    text += text == "1" ? " picture" : " pictures";
+    if (shown == 0) {
+        return text;
+    }
+    const auto first = std::find_if(pictures.begin(), pictures.end(), isShown);
+    const auto last = std::find_if(pictures.rbegin(), pictures.rend(), isShown);
+    return text + (shown == 1 ? " at " : " from ") + TimeTextOf(*first) +
+           (shown == 1 ? "" : " to " + TimeTextOf(*last));
+}
+
 Json JsonOf(const SheetPicture& picture) {
     return {{"asked_100ns", picture.asked},
             {"time_100ns", JsonOrNull(picture.start)},
@@ -106,9 +130,7 @@ void Print(const SheetRequest& request, const VideoFacts& facts, const Plan& pla
     const SheetLayout& layout = plan.layout;
     if (!request.json) {
         out << OneLine(request.output) << ": " << layout.sheet.width << " x " << layout.sheet.height
-            << ", " << pictures.size() << " pictures from " << ClockText(pictures.front().asked)
-            << " to " << ClockText(pictures.back().asked)
-            << (plan.swings.empty() ? "" : ", with sound") << '\n';
+            << ", " << CountText(pictures) << (plan.swings.empty() ? "" : ", with sound") << '\n';
         return;
     }
     Json cells = Json::array();
@@ -167,6 +189,21 @@ void WriteSheet(IVideo& video, Zanthe::IAudioReader* sound, const SheetRequest& 
     Print(request, facts, plan, pictures, ReportStream(request.output, out));
 }
 
+SheetRequest Suited(IVideo& video, const SheetRequest& request) {
+    SheetRequest suited = request;
+    const std::int64_t end = video.Facts().duration.value_or(0);
+    if (!video.Facts().tellsTimes || end <= 0) {
+        return suited;
+    }
+    const std::optional<Picture> last = video.At(TimeOfUnits(end));
+    const std::optional<Picture> first = video.At(TimeOfUnits(0));
+    if (first &&
+        (last ? last->start == first->start : *first->start + *first->duration >= end - 1)) {
+        suited.columns = suited.rows = 1;
+    }
+    return suited;
+}
+
 namespace {
 
 // Null where the file has none, or none that can be read: a sheet does without.
@@ -182,9 +219,11 @@ boost::shared_ptr<Zanthe::IAudioReader> SoundOf(const std::string& file) {
 
 void RunSheet(const SheetRequest& request, std::ostream& out) {
     const std::unique_ptr<IVideo> video = OpenVideo(request.file, request.choice);
+    PrintRemarks(request.file, video->Facts());
     RequireOtherFile(Zanthe::ContainerPathOf(request.file), request.output);
     const auto sound = SoundOf(request.file);
-    WriteSheet(*video, sound.get(), request, out);
+    WriteSheet(*video, sound.get(), Suited(*video, request), out);
+    RemarkName(request.output);
 }
 
 } // namespace Program

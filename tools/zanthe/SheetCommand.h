@@ -25,6 +25,9 @@ struct SheetRequest {
 // library's text when reading fails, Interrupted. In each case the output is what it was before.
 void RunSheet(const SheetRequest& request, std::ostream& out);
 
+// The request as it suits the video: a single cell for one that has a single picture.
+SheetRequest Suited(IVideo& video, const SheetRequest& request);
+
 // The same over a video that is open, and over its sound, which may be null: with sound a strip
 // below the pictures shows how loud it is over the video's time, from the left to the right.
 void WriteSheet(IVideo& video, Zanthe::IAudioReader* sound, const SheetRequest& request,

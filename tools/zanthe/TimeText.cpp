@@ -14,7 +14,8 @@ namespace {
 using Zanthe::MediaTime;
 
 [[noreturn]] void RefuseForm(std::string_view text) {
-    throw std::invalid_argument("'" + std::string(text) + "' is no time");
+    throw std::invalid_argument("'" + std::string(text) +
+                                "' is no time such as 12.5, 1001/30000 or 0:01:02.5");
 }
 
 [[noreturn]] void RefuseSize(std::string_view text) {
@@ -191,7 +192,7 @@ MediaTime TimeOfUnits(std::int64_t units) {
     return {units, UnitsPerSecond};
 }
 
-std::int64_t UnitsLookedFor(const MediaTime& time) {
+std::int64_t WholeUnits(const MediaTime& time) {
     const std::int64_t seconds = time.numerator() / time.denominator();
     const std::int64_t rest = time.numerator() % time.denominator();
     std::int64_t scaled = 0;
@@ -201,6 +202,12 @@ std::int64_t UnitsLookedFor(const MediaTime& time) {
                                         static_cast<double>(time.denominator()) * 1e7)
             : scaled / time.denominator();
     return seconds * UnitsPerSecond + units;
+}
+
+std::int64_t UnitsLookedFor(const MediaTime& time) {
+    return static_cast<std::int64_t>(static_cast<double>(time.numerator()) /
+                                     static_cast<double>(time.denominator()) *
+                                     static_cast<double>(UnitsPerSecond));
 }
 
 } // namespace Program

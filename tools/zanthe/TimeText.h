@@ -19,8 +19,8 @@ inline constexpr std::int64_t UnitsPerSecond = 10'000'000; // units of 100 ns, a
 // A time in seconds, from 0: a fraction ("1001/30000"), a decimal ("12.5"), or minutes or hours in
 // front of one ("1:02.5", "0:01:02.5"; what follows a colon is below 60).
 //
-// Throws std::invalid_argument with a text that names `text`: "... is no time", or "... cannot be
-// counted" when the exact value, or its count of 100 ns, leaves 64 bits.
+// Throws std::invalid_argument with a text that names `text`: "... is no time" and what one looks
+// like, or "... cannot be counted" when the exact value, or its count of 100 ns, leaves 64 bits.
 Zanthe::MediaTime ParseTime(std::string_view text);
 
 // The same of one or more times with commas between them.
@@ -41,8 +41,12 @@ double SecondsOf(std::int64_t units);
 // Exactly so many units of 100 ns.
 Zanthe::MediaTime TimeOfUnits(std::int64_t units);
 
-// The whole units of 100 ns in `time`, from 0, which is what a sample reader looks for: what is
-// left over is cut off. Exact for any time whose parts are no finer than 10^-11 s.
+// The whole units of 100 ns in `time`, from 0: what is left over is cut off. Exact for any time
+// whose parts are no finer than 10^-11 s.
+std::int64_t WholeUnits(const Zanthe::MediaTime& time);
+
+// What a reader of samples that tells times looks for: it comes to its units by way of double, and
+// so at times a unit short.
 std::int64_t UnitsLookedFor(const Zanthe::MediaTime& time);
 
 } // namespace Program

@@ -21,6 +21,7 @@ namespace {
 
 // What came of the sound, or of the pictures.
 struct Part {
+    std::string state = "not asked for"; // "verified", "absent", "no reader"
     Json json = nullptr;
     std::string lines = {};
     std::string absent = {}; // why there is none; empty: there is
@@ -50,7 +51,8 @@ template <typename Report>
 Part PartOf(const Report& report, std::int64_t reads, std::int64_t differences) {
     std::ostringstream lines;
     PrintLines(report, lines);
-    return {.json = JsonOf(report),
+    return {.state = "verified",
+            .json = JsonOf(report),
             .lines = lines.str(),
             .absent = {},
             .reads = reads,
@@ -100,8 +102,22 @@ Part Try(bool required, Part (*verify)(const VerifySources&, const VerifyRequest
         if (required) {
             throw;
         }
-        return {.absent = std::string(error.Reason())};
+        const std::string reason(error.Reason());
+        const bool isRead = reason.rfind("no reader", 0) != 0;
+        return {.state = isRead ? "absent" : "no reader", .absent = reason};
     }
+}
+
+// "Failed to create ..." is the same for a file without sound and for one that is not read.
+Part Explained(Part part, const VerifySources& sources) {
+    if (part.absent.empty() || !sources.whyNoSound) {
+        return part;
+    }
+    if (const SoundAbsence why = sources.whyNoSound(); !why.text.empty()) {
+        part.state = why.isSilent ? "absent" : "no reader";
+        part.absent = why.text;
+    }
+    return part;
 }
 
 Json AbsentJson(const Part& part) {
@@ -113,8 +129,10 @@ void PrintJson(const VerifyRequest& request, std::uint64_t seed, const Part& aud
     PrintJsonLine({{"command", "verify"},
                    {"file", request.file},
                    {"seed", seed},
+                   {"audio_state", audio.state},
                    {"audio", audio.json},
                    {"audio_absent", AbsentJson(audio)},
+                   {"video_state", video.state},
                    {"video", video.json},
                    {"video_absent", AbsentJson(video)},
                    {"differences", audio.differences + video.differences}},
@@ -132,9 +150,10 @@ void PrintPart(const Part& part, const std::string& file, std::ostream& out) {
 
 void Verify(const VerifySources& sources, const VerifyRequest& request, std::ostream& out) {
     const std::uint64_t seed = request.seed.value_or(RandomSeed());
-    const Part audio = request.video && !request.audio
-                           ? Part{}
-                           : Try(request.audio, VerifySound, sources, request, seed);
+    const Part audio =
+        request.video && !request.audio
+            ? Part{}
+            : Explained(Try(request.audio, VerifySound, sources, request, seed), sources);
     const Part video = request.audio && !request.video
                            ? Part{}
                            : Try(request.video, VerifyVideo, sources, request, seed);
@@ -158,7 +177,8 @@ void RunVerify(const VerifyRequest& request, std::ostream& out) {
     RequireReadableFile(Zanthe::ContainerPathOf(request.file));
     const AudioChoice choice{.rate = request.rate, .recontainer = request.recontainer};
     Verify({.sound = [&] { return OpenAudio(request.file, choice); },
-            .video = [&] { return OpenVideo(request.file, request.choice); }},
+            .video = [&] { return OpenVideo(request.file, request.choice); },
+            .whyNoSound = [&] { return WhyNoSound(request.file); }},
            request, out);
 }
 

@@ -11,6 +11,7 @@
 #include "tools/zanthe/IVideo.h"
 #include "tools/zanthe/OpenAudio.h"
 #include "tools/zanthe/OpenVideo.h"
+#include "tools/zanthe/SoundAbsence.h"
 
 namespace Program {
 
@@ -30,6 +31,9 @@ struct VerifyRequest {
 struct VerifySources {
     std::function<OpenedSound()> sound;
     std::function<std::unique_ptr<IVideo>()> video;
+
+    // Asked when there is no sound; empty, or an empty text: what `sound` threw says it all.
+    std::function<SoundAbsence()> whyNoSound = {};
 };
 
 // Verifies the file and says on `out` what was compared.

@@ -181,7 +181,8 @@ void VideoVerifier::ReadAndCompare(VideoReadKind kind, const Zanthe::MediaTime& 
 }
 
 void VideoVerifier::Compare(const VideoRead& read, const std::optional<Picture>& answer) {
-    const std::int64_t units = UnitsLookedFor(read.time);
+    const bool tellsTimes = m_video.Facts().tellsTimes;
+    const std::int64_t units = tellsTimes ? UnitsLookedFor(read.time) : WholeUnits(read.time);
     const auto expected = m_timeline.PictureAt(units);
     if (expected && answer) {
         ComparePicture(read, *expected, *answer);
@@ -190,14 +191,9 @@ void VideoVerifier::Compare(const VideoRead& read, const std::optional<Picture>&
               .read = read,
               .picture = *expected,
               .expectedStart = m_timeline.pictures[*expected].start});
-    } else if (answer && units > LastAnswer()) {
+    } else if (answer && units > m_timeline.LastTime()) {
         Note({.what = VideoDifference::What::Extra, .read = read, .answeredStart = answer->start});
     }
-}
-
-// By way of double the reader may see a time a unit short, and then still within the end it tells.
-std::int64_t VideoVerifier::LastAnswer() const {
-    return m_timeline.LastTime() + (m_timeline.endsEarly ? 1 : 0);
 }
 
 void VideoVerifier::ComparePicture(const VideoRead& read, std::size_t expected,

@@ -108,8 +108,6 @@ private:
     void Compare(const VideoRead& read, const std::optional<Picture>& answer);
     void ComparePicture(const VideoRead& read, std::size_t expected, const Picture& answer);
 
-    std::int64_t LastAnswer() const;
-
     VideoRead NextRead(VideoReadKind kind, const Zanthe::MediaTime& time);
     VideoTally& TallyOf(VideoReadKind kind);
     void Note(const VideoDifference& difference);

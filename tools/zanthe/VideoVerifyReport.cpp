@@ -120,13 +120,14 @@ std::string Describe(const VideoDifference& difference) {
 
 void PrintLines(const VideoVerifyReport& report, std::ostream& out) {
     std::ostringstream text;
-    text << OneLine(report.file) << ": " << report.video.pictures << " pictures (" << std::fixed
+    text << OneLine(report.file) << ": " << report.video.pictures
+         << (report.video.pictures == 1 ? " picture (" : " pictures (") << std::fixed
          << std::setprecision(3) << SecondsOf(report.video.duration) << " s) of "
          << report.facts.width << " x " << report.facts.height << ", " << report.facts.reader
          << "; seed " << report.seed << '\n';
     for (const VideoTally& tally : report.video.tallies) {
         text << "  " << std::left << std::setw(15) << NameOf(tally.kind) << std::right
-             << std::setw(8) << tally.reads << " reads  ";
+             << std::setw(8) << tally.reads << (tally.reads == 1 ? " read   " : " reads  ");
         if (tally.differences == 0) {
             text << "equal\n";
         } else {

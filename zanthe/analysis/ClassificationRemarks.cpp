@@ -68,6 +68,11 @@ void RemarkContents(const FileClassification& file, Remarks& remarks) {
     const auto* known =
         std::find_if(std::begin(KnownExtensions), std::end(KnownExtensions),
                      [&](const NamedContents& each) { return each.extension == extension; });
+    if (known == std::end(KnownExtensions) && file.contents == QuickTimeFamily) {
+        remarks.emplace_back("the name does not say that this is an MP4 or QuickTime file, and the "
+                             "library goes by the name");
+        return;
+    }
     if (known == std::end(KnownExtensions) || IsOneOf(known->contents, file.contents)) {
         return;
     }

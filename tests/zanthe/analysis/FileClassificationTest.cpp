@@ -284,6 +284,10 @@ TEST(ClassifyFile, ANameThatItsContentsContradictIsTold) {
     EXPECT_THAT(Written(folder, "a.gif", "no picture").remarks,
                 Contains("the name says .gif, the contents are of no known kind"));
     EXPECT_THAT(Written(folder, "a.txt", "no picture").remarks, IsEmpty());
+    const std::string movie = ReadWholeFile(MadeMedia("mp4-plain.mp4"));
+    EXPECT_THAT(Written(folder, "noext", movie).remarks,
+                Contains("the name does not say that this is an MP4 or QuickTime file, and the "
+                         "library goes by the name"));
 }
 
 TEST(ClassifyFile, WhyAFileDoesNotCountAsAacIsTold) {

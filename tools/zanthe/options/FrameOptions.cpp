@@ -38,6 +38,7 @@ void Declare(CLI::App& command, FrameRequest& request) {
             },
             "Times of the pictures, in seconds from the start, taken exactly: a fraction "
             "(1001/30000), a decimal (12.5), or [h:]m:s (0:01:02.5)")
+        ->join(',')
         ->type_name("TIME[,TIME...]")
         ->transform(Times())
         ->required();
