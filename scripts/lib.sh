@@ -12,7 +12,7 @@ export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
 packages_build=(
     g++ cmake ninja-build pkg-config ffmpeg
     libavformat-dev libavcodec-dev libavutil-dev libswresample-dev libswscale-dev
-    libyuv-dev libpng-dev libcairo2-dev libvips-dev libgif-dev libpoppler-glib-dev
+    libyuv-dev libpng-dev zlib1g-dev libcairo2-dev libvips-dev libgif-dev libpoppler-glib-dev
     libboost-dev libcli11-dev nlohmann-json3-dev libinih-dev libgsf-1-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     libjpeg-dev libtiff-dev libwebp-dev zlib1g-dev libvips-tools)

@@ -37,7 +37,7 @@ std::unique_ptr<ConvertedSound> ConvertedSound::Create(SoundStream& stream, cons
 void ConvertedSound::Seek(std::int64_t frame) {
     constexpr std::int64_t kMost = std::int64_t{1} << 50;
     frame = std::clamp<std::int64_t>(frame, 0, kMost);
-    m_running = m_running && frame == m_next;
+    m_running = m_running && frame >= m_madeFrom && frame <= m_madeFrom + m_made.frames;
     m_next = frame;
 }
 

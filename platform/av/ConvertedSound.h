@@ -53,7 +53,7 @@ private:
     std::unique_ptr<SoundConversion> m_unifier; // of frames in another form than the stream's
     SoundFormat m_unifies;                      // which form that is
     std::vector<std::uint8_t> m_planes;         // what it made, taken apart
-    SoundBytes m_made;                          // given with the latest Read, or still to be given
+    SoundBytes m_made;                          // given with the latest Read, or to be given
     std::int64_t m_madeFrom = 0;                // frame number of its first
     std::int64_t m_next = 0;                    // the next to be given
     bool m_running = false;                     // the conversion leads there

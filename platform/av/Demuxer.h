@@ -19,6 +19,8 @@ public:
     static std::unique_ptr<Demuxer> Open(const std::string& path, int ordinal,
                                          TrackKind kind = TrackKind::Video);
 
+    const std::string& Path() const { return m_path; }
+
     const AVFormatContext& Format() const { return *m_format; }
 
     const AVStream& Stream() const { return *m_format->streams[m_stream]; }

@@ -39,6 +39,9 @@ public:
     // Frames in so many ticks.
     std::int64_t FramesIn(std::int64_t ticks) const;
 
+    // Frames in so many millionths of a second.
+    std::int64_t FramesInTime(std::int64_t microseconds) const;
+
     // A position's time in 100 ns.
     std::int64_t TimeOf(std::int64_t position) const;
 

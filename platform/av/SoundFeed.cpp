@@ -1,6 +1,7 @@
 #include "platform/av/SoundFeed.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 #include "platform/av/WorkTotals.h"
@@ -19,6 +20,15 @@ constexpr std::int64_t kDoubtful = 3;
 constexpr std::size_t kMostHistory = 1200;
 constexpr std::size_t kMostHistoryBytes = std::size_t{16} << 20;
 
+// A stamp beyond the file's duration, with room for a wrong one, is damaged: the silence up to it
+// would be endless.
+std::int64_t FarthestIn(const AVFormatContext& format, const SoundClock& clock) {
+    constexpr std::int64_t kHour = std::int64_t{3600} * AV_TIME_BASE;
+    constexpr std::int64_t kMost = 24 * 14 * kHour;
+    const std::int64_t duration = std::clamp<std::int64_t>(format.duration, 0, kMost) + kHour;
+    return clock.FramesInTime(format.duration > 0 ? duration : kMost);
+}
+
 // What the second of the two numbers says that a packet holds at its end and is no sound.
 std::int64_t PaddingOf(const AVPacket& packet) {
     std::size_t size = 0;
@@ -27,6 +37,14 @@ std::int64_t PaddingOf(const AVPacket& packet) {
 }
 
 } // namespace
+
+SoundFeed::SoundFeed(Demuxer& demuxer, const SoundClock& clock, const PreRoll& preRoll,
+                     std::int64_t usualFrames)
+    : m_demuxer(demuxer)
+    , m_clock(clock)
+    , m_preRoll(preRoll)
+    , m_usualFrames(usualFrames)
+    , m_farthest(FarthestIn(demuxer.Format(), clock)) {}
 
 void SoundFeed::Forget() {
     m_ahead.clear();
@@ -45,7 +63,10 @@ bool SoundFeed::Rewind() {
 // A packet without a time stamp stands behind the one before; the first ones of a landing have none
 // to stand behind.
 bool SoundFeed::Place(AVPacket& packet, SoundPacket& placed) {
-    const std::int64_t stamp = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+    std::int64_t stamp = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+    if (stamp != AV_NOPTS_VALUE && std::abs(m_clock.PositionOf(stamp)) > m_farthest) {
+        stamp = AV_NOPTS_VALUE;
+    }
     if (m_clock.IsOrigin(stamp) && m_demuxer.IsFirst(packet)) {
         placed.position = 0;
     } else if (stamp != AV_NOPTS_VALUE) {

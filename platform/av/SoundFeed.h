@@ -29,11 +29,7 @@ class SoundFeed {
 public:
     // `demuxer` is borrowed and outlives this; nobody else reads it. `usualFrames`: of a packet.
     SoundFeed(Demuxer& demuxer, const SoundClock& clock, const PreRoll& preRoll,
-              std::int64_t usualFrames)
-        : m_demuxer(demuxer)
-        , m_clock(clock)
-        , m_preRoll(preRoll)
-        , m_usualFrames(usualFrames) {}
+              std::int64_t usualFrames);
 
     // The next packet; null at the end of the file.
     SoundPacket* Peek();
@@ -68,6 +64,7 @@ private:
     const SoundClock m_clock;
     const PreRoll m_preRoll;
     const std::int64_t m_usualFrames;
+    const std::int64_t m_farthest; // no packet stands so far from the first
 
     std::deque<SoundPacket> m_ahead;   // read and not passed
     std::deque<SoundPacket> m_history; // passed, the latest last

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/av/TrackBoxes.h"
+
 namespace av {
 
 namespace {
@@ -24,7 +26,15 @@ bool IsMov(const Demuxer& demuxer) {
     return std::strstr(demuxer.Format().iformat->name, "mp4") != nullptr;
 }
 
-// An edit list may end within the last packet.
+// Frames in a unit of the file's header, in which edit lists are told; none where these units are
+// finer than frames.
+std::int64_t CoarsenessOf(const Demuxer& demuxer, int rate) {
+    const std::uint32_t units = ReadMovieUnitsPerSecond(demuxer.Path());
+    return units == 0 || units >= static_cast<std::uint32_t>(rate) ? 0 : rate / units + 1;
+}
+
+// An edit list may end within the last packet. What lies within the rounding of its units is no
+// end.
 std::int64_t EndOf(const Demuxer& demuxer, const SoundProbe& probe, const SoundClock& clock,
                    std::int64_t never) {
     auto& stream = const_cast<AVStream&>(demuxer.Stream()); // only looked at
@@ -35,7 +45,8 @@ std::int64_t EndOf(const Demuxer& demuxer, const SoundProbe& probe, const SoundC
     const std::int64_t last =
         clock.PositionOf(avformat_index_get_entry(&stream, count - 1)->timestamp);
     const std::int64_t end = probe.begin + clock.FramesIn(stream.duration);
-    return end > last && end < last + probe.usualFrames ? end : never;
+    const std::int64_t whole = last + probe.usualFrames;
+    return end > last && end < whole - CoarsenessOf(demuxer, probe.format.rate) ? end : never;
 }
 
 } // namespace
@@ -84,7 +95,12 @@ bool SoundStream::LeadsTo(std::int64_t position) const {
 void SoundStream::Seek(std::int64_t frame) {
     constexpr std::int64_t kMost = std::int64_t{1} << 60;
     const std::int64_t position = m_probe.begin + std::clamp<std::int64_t>(frame, 0, kMost);
-    m_landed = LeadsTo(position);
+    // What was given last can be given again.
+    if (m_landed && m_isGiven && position >= m_givenFrom && position < m_cursor) {
+        m_hasFrame = true;
+    } else {
+        m_landed = LeadsTo(position);
+    }
     m_cursor = position;
 }
 
@@ -115,6 +131,7 @@ bool SoundStream::BeginSegment(std::int64_t at, bool onwards) {
     m_ended = false;
     m_draining = false;
     m_hasFrame = false;
+    m_isGiven = false;
     m_gaveInSegment = false;
     m_decodedTo = 0;
     if (!m_feed.GoTo(at, onwards) || !m_decoder->Restart()) {
@@ -170,7 +187,9 @@ bool SoundStream::GiveFrame(SoundPiece& piece) {
     }
     piece = {start - m_probe.begin, static_cast<int>(end - start), m_frame.get(),
              static_cast<int>(start - m_frameStart)};
+    m_givenFrom = start;
     m_cursor = end;
+    m_isGiven = true;
     m_hasFrame = false;
     return true;
 }
@@ -195,6 +214,7 @@ SoundRead SoundStream::Read(SoundPiece& piece) {
 
 // One step of decoding. False when the file cannot be read any more.
 bool SoundStream::Step() {
+    m_isGiven = false;
     if (m_decoder->Receive(*m_frame) == SoundDecoder::Result::Frame) {
         TakeFrame();
         return true;

@@ -97,6 +97,8 @@ private:
     bool m_gaveInSegment = false;  // a frame of it was decoded within it
     const FramePtr m_frame;        // the latest that was decoded
     bool m_hasFrame = false;       // and is not given yet
+    bool m_isGiven = false;        // it was given from m_givenFrom on, and nothing since
+    std::int64_t m_givenFrom = 0;  //
     std::int64_t m_frameStart = 0; // its position
     int m_frameCount = 0;          // frames of it that are sound
     std::int64_t m_padding = 0;    // of the packet sent last, as are the next three

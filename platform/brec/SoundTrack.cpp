@@ -1,12 +1,9 @@
 #include "platform/brec/SoundTrack.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <utility>
-
-extern "C" {
-#include <libavutil/mathematics.h>
-}
 
 namespace BREC {
 
@@ -16,6 +13,12 @@ constexpr std::int64_t UnitsPerSecond = 10'000'000; // of 100 ns
 
 std::size_t FrameBytes(const AudioFormat& format) {
     return sizeof(std::int16_t) * static_cast<std::size_t>(format.channelCount());
+}
+
+// The frame that stands nearest to `time`, in units of 100 ns. REQUIRES: a rate that is served.
+std::int64_t FrameAt(std::int64_t time, int rate) {
+    const auto rest = static_cast<double>(time % UnitsPerSecond) / UnitsPerSecond;
+    return time / UnitsPerSecond * rate + std::llround(rest * rate);
 }
 
 } // namespace
@@ -66,7 +69,7 @@ bool SoundTrack::Open() {
                                      Format().channelCount(), 0};
         m_sound = m_stream != nullptr ? av::ConvertedSound::Create(*m_stream, wanted) : nullptr;
         if (m_sound != nullptr) {
-            m_begin = av_rescale(m_stream->Facts().start, wanted.rate, UnitsPerSecond);
+            m_begin = FrameAt(m_stream->Facts().start, wanted.rate);
         }
     }
     return m_sound != nullptr;

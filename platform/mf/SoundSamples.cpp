@@ -32,7 +32,8 @@ LONGLONG SoundSamples::TimeOf(LONGLONG frame) const {
 // The last frame whose time is at or before `time`.
 LONGLONG SoundSamples::FrameAt(LONGLONG time) const {
     constexpr LONGLONG kMost = LONGLONG{1} << 58; // what is added to it fits
-    const LONGLONG since = std::clamp(time, -kMost, kMost) - m_start;
+    time = std::clamp(time, -kMost, kMost);
+    const LONGLONG since = time - m_start;
     if (since <= 0) {
         return 0;
     }

@@ -98,10 +98,10 @@ MP4FileHandle MP4Create(const char* path, std::uint32_t flags);
 // Of a file that is being made; false for any other, and for 0.
 bool MP4SetTimeScale(MP4FileHandle file, std::uint32_t unitsPerSecond);
 
-// Puts a copy of the track into `destination`, a file that is being made, samples and their times
-// as they are, and answers its id there. One track is offered. MP4_INVALID_TRACK_ID when it cannot
-// be read or written; edits are not applied to the samples, and hint tracks are not offered: both
-// are left at their defaults by the caller.
+// Puts a copy of the track into `destination`, a file that is being made, samples and what the edit
+// list makes of their times as they are, and answers its id there. One track is offered.
+// MP4_INVALID_TRACK_ID when it cannot be read or written. applyEdits and hintReference play no
+// part: edits stay edits, and hint tracks are not made.
 MP4TrackId MP4CopyTrack(MP4FileHandle source, MP4TrackId track, MP4FileHandle destination,
                         bool applyEdits, MP4TrackId hintReference = MP4_INVALID_TRACK_ID);
 

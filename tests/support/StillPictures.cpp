@@ -99,6 +99,20 @@ std::optional<BgraPicture> DeepFfmpegPicture(const std::string& path) {
     return PamPicture(path, true);
 }
 
+std::vector<BgraPicture> FfmpegPictures(const std::string& path, int width, int height, int most) {
+    const std::string pixels =
+        OutputOf("ffmpeg -nostdin -v quiet -i " + Quoted(path) + " -vsync passthrough -frames:v " +
+                 std::to_string(most) + " -f rawvideo -pix_fmt bgra -");
+    const std::size_t bytes =
+        static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4;
+    std::vector<BgraPicture> pictures;
+    for (std::size_t at = 0; bytes > 0 && at + bytes <= pixels.size(); at += bytes) {
+        const auto start = pixels.begin() + static_cast<std::ptrdiff_t>(at);
+        pictures.push_back({width, height, {start, start + static_cast<std::ptrdiff_t>(bytes)}});
+    }
+    return pictures;
+}
+
 BgraPicture PictureOf(const Zanthe::Bitmap& bitmap) {
     const auto bytes = static_cast<std::ptrdiff_t>(bitmap.GetStride()) * bitmap.GetHeight();
     return {bitmap.GetWidth(), bitmap.GetHeight(),

@@ -1,5 +1,6 @@
 #include "tools/zanthe/Waveform.h"
 
+#include <algorithm>
 #include <limits>
 
 #include <gtest/gtest.h>
@@ -18,18 +19,19 @@ constexpr int Rate = 1000;
 constexpr std::int64_t Second = 10'000'000;
 
 // Silent but for the frames that the test sets.
-ScriptedSound Silence(std::int64_t frames) {
-    ScriptedSound sound(frames);
-    for (auto& plane : sound.planes) {
-        std::fill(plane.begin(), plane.end(), 0.0F);
+struct SilentSound : ScriptedSound {
+    explicit SilentSound(std::int64_t frames)
+        : ScriptedSound(frames) {
+        for (auto& plane : planes) {
+            std::fill(plane.begin(), plane.end(), 0.0F);
+        }
     }
-    return sound;
-}
+};
 
 } // namespace
 
 TEST(MeasureWaveform, EachColumnHasTheSwingOfItsShare) {
-    ScriptedSound sound = Silence(1000);
+    SilentSound sound(1000);
     sound.planes[0][0] = 0.5F;
     sound.planes[1][99] = -0.25F;
     sound.planes[1][550] = 0.75F;
@@ -43,7 +45,7 @@ TEST(MeasureWaveform, EachColumnHasTheSwingOfItsShare) {
 }
 
 TEST(MeasureWaveform, FullScaleIsAllThereIs) {
-    ScriptedSound sound = Silence(1000);
+    SilentSound sound(1000);
     sound.planes[0][5] = 7.0F;
     sound.planes[0][6] = -std::numeric_limits<float>::infinity();
     sound.planes[0][7] = std::numeric_limits<float>::quiet_NaN();
@@ -53,7 +55,7 @@ TEST(MeasureWaveform, FullScaleIsAllThereIs) {
 }
 
 TEST(MeasureWaveform, BehindItsEndThereIsSilence) {
-    ScriptedSound sound = Silence(500);
+    SilentSound sound(500);
     sound.planes[0][499] = 0.5F;
     const auto swings = MeasureWaveform(sound, Rate, Second, 10);
     ASSERT_EQ(swings.size(), 10U);
@@ -67,7 +69,7 @@ TEST(MeasureWaveform, WithoutSoundThereIsNothing) {
 }
 
 TEST(MeasureWaveform, OfALongShareASecondIsRead) {
-    ScriptedSound sound = Silence(100'000);
+    SilentSound sound(100'000);
     MeasureWaveform(sound, Rate, 100 * Second, 10);
     ASSERT_EQ(sound.reads.size(), 10U);
     EXPECT_EQ(sound.reads[0], (ScriptedSound::Read{4500, 1000}));
@@ -75,7 +77,7 @@ TEST(MeasureWaveform, OfALongShareASecondIsRead) {
 }
 
 TEST(MeasureWaveform, CanBeStopped) {
-    ScriptedSound sound = Silence(1000);
+    SilentSound sound(1000);
     const auto stop = [](int column) {
         if (column == 3) {
             throw 3;

@@ -14,6 +14,7 @@ namespace Zanthe {
 // Thread-safety: none.
 class WICAnimatedGIFReader : public WICImageReader {
 public:
+    // NOLINTNEXTLINE(readability-identifier-naming): a settled name
     struct frameInfo {
         std::uint32_t delay = 0; // milliseconds that the frame stays
         std::uint32_t bitsPerPixel = 0;

@@ -1,4 +1,6 @@
 // Hosts are built apart from the library and call through the order of the virtual operations.
+#include <type_traits>
+
 #include <gtest/gtest.h>
 
 #include "tests/support/SlotOf.h"

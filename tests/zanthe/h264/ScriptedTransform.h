@@ -49,6 +49,11 @@ public:
         return m_script->streamInfoResult;
     }
 
+    HRESULT GetAttributes(IMFAttributes** attributes) override {
+        *attributes = nullptr;
+        return E_NOTIMPL;
+    }
+
     HRESULT SetInputType(DWORD, IMFMediaType* type, DWORD) override {
         m_script->calls.push_back(TransformCall::InputType);
         m_script->inputType = com::ComPtr<IMFMediaType>(type);

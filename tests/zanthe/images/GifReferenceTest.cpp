@@ -80,13 +80,16 @@ struct Shown {
     std::string failure;
 };
 
-Shown ShowAll(const fs::path& gif) {
+Shown ShowAll(const fs::path& gif, std::size_t most = 1000) {
     WICAnimatedGIFReader reader(win32::Utf8ToWide(gif.string()));
     reader.Open();
     WICAnimatedGIFLoader loader(win32::Utf8ToWide(gif.string()));
     Shown shown;
     double start = 0;
     for (const auto& frame : reader.Frames()) {
+        if (shown.pictures.size() == most) {
+            break;
+        }
         BgraPicture picture{loader.GetWidth(), loader.GetHeight(), {}};
         picture.bits.resize(static_cast<std::size_t>(picture.width) *
                             static_cast<std::size_t>(picture.height) * 4);
@@ -222,6 +225,80 @@ TEST(GifReference, FirstFrames) {
         }
     }
     EXPECT_GT(compared, 3);
+}
+
+// How our frames differ from those that ffmpeg shows; empty when none does, and where one of the
+// two shows nothing.
+std::string DifferenceFromFfmpeg(const fs::path& gif) {
+    constexpr std::size_t most = 40;
+    const Shown ours = ShowAll(gif, most);
+    if (ours.pictures.empty()) {
+        return {};
+    }
+    const int width = ours.pictures.front().width;
+    const int height = ours.pictures.front().height;
+    const auto theirs = FfmpegPictures(gif.string(), width, height, most);
+    for (std::size_t i = 0; i < std::min(ours.pictures.size(), theirs.size()); ++i) {
+        if (LargestDifference(ours.pictures[i], Premultiplied(theirs[i])) != 0) {
+            return "frame " + std::to_string(i);
+        }
+    }
+    return theirs.empty() || ours.pictures.size() == theirs.size()
+               ? std::string()
+               : std::to_string(ours.pictures.size()) + " frames, not " +
+                     std::to_string(theirs.size());
+}
+
+// File, and where ffmpeg begins to show something else.
+const std::map<std::string, std::string>& UnlikeFfmpeg() {
+    static const std::map<std::string, std::string> differences = {
+        // What no frame paints, and a frame that is disposed of, show the background colour there.
+        // Here it is transparent.
+        {"Pillow__dispose_bgnd", "frame 2"},
+        {"Pillow__dispose_bgnd_rgba", "frame 2"},
+        {"libgd__dispose_background", "frame 0"},
+        {"libgd__dispose_none", "frame 0"},
+        {"libgd__dispose_unspecified", "frame 0"},
+        {"libgd__small_frame_big_canvas", "frame 0"},
+        {"pygif__dispose-restore-background", "frame 0"},
+        {"pygif__image-inside-bg", "frame 0"},
+        {"pygif__image-overlap-bg", "frame 0"},
+        {"pygif__images-combine", "frame 0"},
+        {"torchcodec__frame_exceeds_screen", "frame 0"},
+        {"wuffs__metadata-empty", "frame 0"},
+        {"wuffs__metadata-full", "frame 0"},
+        // The same of pixels that the data do not reach.
+        {"pygif__invalid-code", "frame 0"},
+        {"pygif__missing-pixels", "frame 0"},
+        {"wuffs__pixel-data-none", "frame 0"},
+        {"wuffs__pixel-data-not-enough", "frame 0"},
+        // A frame larger than the screen is cut here; ffmpeg refuses it.
+        {"Pillow__decompression_bomb_extents", "2 frames, not 1"},
+        // Shades of gray serve where a file has no colours; ffmpeg refuses such frames.
+        {"Pillow__no_palette_after_rgb", "3 frames, not 1"},
+        // ffmpeg repeats the one frame.
+        {"Pillow__test_extents_transparency", "1 frames, not 2"}};
+    return differences;
+}
+
+TEST(GifReference, EveryFrameAsFfmpegShowsIt) {
+    const auto gifs = RealMedia("gif");
+    if (gifs.empty()) {
+        GTEST_SKIP() << "no real media here";
+    }
+    std::map<std::string, std::string> differences;
+    for (const auto& gif : gifs) {
+        std::string difference;
+        try {
+            difference = DifferenceFromFfmpeg(gif);
+        } catch (const std::exception&) {
+            // No GIF file.
+        }
+        if (!difference.empty()) {
+            differences[gif.stem().string()] = difference;
+        }
+    }
+    EXPECT_EQ(differences, UnlikeFfmpeg());
 }
 
 TEST(GifReference, AnyFileEndsWell) {

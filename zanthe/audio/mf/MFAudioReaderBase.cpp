@@ -55,7 +55,18 @@ bool MFAudioReaderBase::MoveTo(std::int64_t frame) {
     case SampleInRange::NoAnswer:
         break;
     }
-    return Finder().SeekAndWaitForSample(time, nullptr);
+    return SeekTo(time);
+}
+
+// Some files last a little longer than they say. Behind the told end nothing can be sought, so that
+// is stepped to from the last time that can.
+bool MFAudioReaderBase::SeekTo(std::int64_t time) {
+    const std::int64_t length = Finder().GetPresentationLength();
+    if (time < length) {
+        return Finder().SeekAndWaitForSample(time, nullptr);
+    }
+    return length > 0 && SaturatingDifference(time, length) < FarthestStep &&
+           Finder().SeekAndWaitForSample(length - 1, nullptr) && StepTo(time);
 }
 
 bool MFAudioReaderBase::MoveForwardTo(std::int64_t time) {
@@ -68,9 +79,7 @@ bool MFAudioReaderBase::MoveForwardTo(std::int64_t time) {
     sample->GetSampleTime(&start);
     sample->GetSampleDuration(&duration);
     const std::int64_t last = SaturatingDifference(SaturatingSum(start, duration), 1);
-    return SaturatingDifference(time, last) < FarthestStep
-               ? StepTo(time)
-               : Finder().SeekAndWaitForSample(time, nullptr);
+    return SaturatingDifference(time, last) < FarthestStep ? StepTo(time) : SeekTo(time);
 }
 
 bool MFAudioReaderBase::StepTo(std::int64_t time) {

@@ -44,6 +44,7 @@ protected:
 
 private:
     bool MoveForwardTo(std::int64_t time);
+    bool SeekTo(std::int64_t time);
     bool StepTo(std::int64_t time);
 
     std::unique_ptr<MFAudioSampleFinder> m_sampleFinder;

@@ -116,11 +116,13 @@ MFAudioReaderWin7::Feed MFAudioReaderWin7::FeedResampler(std::int64_t frame) {
     if (!Finder().IsInitialized()) {
         return {E_UNEXPECTED, 0};
     }
-    while (true) {
-        SampleInRange range = RangeOf(frame);
+    // A sample's duration may be rounded up, so that the frame behind its last one seems to be
+    // within it still: the question then goes on to the next frame, but not what is fed.
+    for (std::int64_t sought = frame;; ++sought) {
+        SampleInRange range = RangeOf(sought);
         if (range == SampleInRange::After) {
             Finder().AdvanceToNextSample(nullptr);
-            range = RangeOf(frame);
+            range = RangeOf(sought);
         }
         if (range != SampleInRange::Within) {
             return {range == SampleInRange::NoAnswer ? E_BOUNDS : E_UNEXPECTED, 0};
@@ -129,7 +131,6 @@ MFAudioReaderWin7::Feed MFAudioReaderWin7::FeedResampler(std::int64_t frame) {
         if (feed.result != S_FALSE) {
             return feed;
         }
-        ++frame; // over the gap that rounding may leave between two samples
     }
 }
 

@@ -37,6 +37,9 @@ public:
     MediaFoundationSourceReaderCallback&
     operator=(const MediaFoundationSourceReaderCallback&) = delete;
 
+    // Of the last reference, which ends it.
+    virtual ~MediaFoundationSourceReaderCallback() = default;
+
     // IUnknown; E_INVALIDARG where there is no place for the interface.
     HRESULT QueryInterface(REFIID iid, void** object) override;
     ULONG AddRef() override;
@@ -53,9 +56,6 @@ public:
     void WaitForFlush();
 
 private:
-    // Its last reference ends it.
-    virtual ~MediaFoundationSourceReaderCallback() = default;
-
     struct Closer {
         void operator()(HANDLE handle) const { CloseHandle(handle); }
     };

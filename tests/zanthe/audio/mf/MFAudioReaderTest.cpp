@@ -133,6 +133,23 @@ TEST_F(Reader, AReadPastTheEndReturnsWhatThereIs) {
     EXPECT_TRUE(Read(0, 10) == Ramp(0, 10));
 }
 
+TEST_F(Reader, SoundBehindTheToldLengthIsFoundToo) {
+    m_script->duration = 19 * kUnitsPerSecond;
+    Initialize();
+    for (const std::int64_t start : {912'000, 930'001, 3, 959'999}) {
+        EXPECT_TRUE(Read(start, 10) == Ramp(start, start == 959'999 ? 1 : 10)) << start;
+    }
+    EXPECT_EQ(Read(960'000, 10).Frames(), 0U);
+}
+
+TEST_F(Reader, FarBehindTheToldLengthNothingIsLookedFor) {
+    m_script->duration = 10 * kUnitsPerSecond;
+    Initialize();
+    EXPECT_EQ(Read(15 * kRate, 10).Frames(), 0U);
+    EXPECT_EQ(m_reader.SeekCount(), 0);
+    EXPECT_TRUE(Read(15 * kRate - 1, 1) == Ramp(15 * kRate - 1, 1));
+}
+
 TEST_F(Reader, NothingIsBeforeTheStart) {
     Initialize();
     EXPECT_EQ(Read(-1, 10).Frames(), 0U);

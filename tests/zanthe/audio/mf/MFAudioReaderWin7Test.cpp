@@ -21,8 +21,8 @@ constexpr std::int64_t kFrames = 1000;
 // comes out shows which frames of the source went in.
 class Win7 : public testing::Test {
 protected:
-    void Initialize(int rate = 44100) {
-        m_script->samples = SoundSamples(400, kFrames, rate);
+    void Initialize(int rate = 44100, std::int64_t frames = kFrames) {
+        m_script->samples = SoundSamples(400, frames, rate);
         m_script->duration = m_script->samples.back().time + 250'000;
         m_script->nativeType->SetGUID(MF_MT_SUBTYPE, MFAudioFormat_Float);
         m_script->nativeType->SetUINT32(MF_MT_AUDIO_BITS_PER_SAMPLE, 32);
@@ -99,6 +99,22 @@ TEST_F(Win7, ADelayInTheResamplerIsNoSeam) {
     Initialize();
     EXPECT_TRUE(Read(0, 1500) == Ramp(0, 1500));
     EXPECT_TRUE(Read(1500, 1500) == Ramp(1500, 1500));
+}
+
+// Some of their times are rounded up and some down.
+TEST_F(Win7, RoundedTimesNeitherSkipNorDoubleAFrame) {
+    for (const std::int64_t frames : {1024, 1152, 441, 1023}) {
+        m_script->samples.clear();
+        Initialize(44100, frames);
+        MFAudioReaderWin7 reader(MakeScriptedSource().Get());
+        ASSERT_TRUE(reader.Initialize(0));
+        StereoSound joined;
+        for (int i = 0; i < 30; ++i) {
+            joined.Append(ReadSpan(reader, static_cast<std::int64_t>(joined.Frames()), 4321));
+        }
+        EXPECT_TRUE(joined == Ramp(0, 30U * 4321)) << frames;
+        EXPECT_TRUE(ReadSpan(reader, 150'000, 9000) == Ramp(150'000, 9000)) << frames;
+    }
 }
 
 TEST_F(Win7, AnyOtherReadFlushes) {

@@ -97,7 +97,7 @@ TEST_F(Recontainering, ForwardsUnchanged) {
 }
 
 TEST_F(Recontainering, WithoutASoundTrackItThrowsAndLeavesNothing) {
-    for (const char* name : {"mp4-plain.mp4", "mp4-no-ftyp.mov"}) {
+    for (const char* name : {"audio-select/no-sound.mp4", "pictures-only.mp4"}) {
         EXPECT_EQ(FailureOf(MadeMedia(name)), "Error re-containering audio!!") << name;
     }
     EXPECT_EQ(FailureOf(m_folder / "none.mp4"), "Error re-containering audio!!");

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
 #include <gtest/gtest.h>
 
@@ -15,9 +16,10 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
 #include "zanthe/audio/AudioMediaReaderFactory.h"
+#include "zanthe/audio/AudioRoute.h"
 #include "zanthe/audio/mf/LegacyMFAudioReader.h"
-#include "zanthe/audio/mf/MFAudioReader.h"
 #include "zanthe/audio/mf/MFAudioReaderWin7.h"
+#include "zanthe/core/TextException.h"
 
 namespace Zanthe {
 namespace {
@@ -40,12 +42,27 @@ std::string PathOf(const SoundFile& file) {
     return MadeMedia(std::string("sound/") + file.name);
 }
 
-double LargestDifference(const std::vector<float>& a, const std::vector<float>& b) {
-    double largest = 0;
-    for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
-        largest = std::max(largest, std::abs(static_cast<double>(a[i]) - b[i]));
+// How much the two differ over `count` frames when one is moved by `lag`.
+double DifferenceAt(const std::vector<float>& a, const std::vector<float>& b, std::size_t from,
+                    std::size_t count, int lag) {
+    double sum = 0;
+    for (std::size_t i = from; i < from + count; ++i) {
+        sum += std::abs(a[i] - b[static_cast<std::size_t>(static_cast<int>(i) + lag)]);
     }
-    return largest;
+    return sum;
+}
+
+// By how many frames the second is to be moved to match the first around `from`.
+int LagAround(const std::vector<float>& a, const std::vector<float>& b, std::size_t from) {
+    constexpr std::size_t count = 3000;
+    constexpr int farthest = 80;
+    int best = -farthest;
+    for (int lag = -farthest; lag <= farthest; ++lag) {
+        if (DifferenceAt(a, b, from, count, lag) < DifferenceAt(a, b, from, count, best)) {
+            best = lag;
+        }
+    }
+    return best;
 }
 
 class SoundFiles : public testing::TestWithParam<SoundFile> {};
@@ -65,14 +82,21 @@ TEST_P(SoundFiles, OddChunksMakeTheWhole) {
     ExpectOddChunksMakeTheWhole(*reader, whole);
 }
 
+// What codecs fill in by chance differs from run to run, and the program keeps the padding at the
+// end of some files.
 TEST_P(SoundFiles, StandsWhereTheFFmpegProgramHasIt) {
     const StereoSound whole = ReadWhole(*Open(PathOf(GetParam()), GetParam().rate));
     const StereoSound expected = DecodeWithFFmpegProgram(PathOf(GetParam()));
-    EXPECT_EQ(whole.Frames(), expected.Frames());
-    // A frame off would be a difference of a tenth at the least.
-    const double most = GetParam().isLossless ? 0 : 1e-3;
-    EXPECT_LE(LargestDifference(whole.left, expected.left), most);
-    EXPECT_LE(LargestDifference(whole.right, expected.right), most);
+    ASSERT_LE(whole.Frames(), expected.Frames());
+    EXPECT_LT(expected.Frames() - whole.Frames(), 2000U);
+    if (GetParam().isLossless) {
+        EXPECT_TRUE(whole == expected);
+        return;
+    }
+    for (const std::size_t from : {std::size_t{100}, whole.Frames() / 2, whole.Frames() - 4000}) {
+        EXPECT_EQ(LagAround(whole.left, expected.left, from), 0) << from;
+        EXPECT_EQ(LagAround(whole.right, expected.right, from), 0) << from;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -97,13 +121,16 @@ INSTANTIATE_TEST_SUITE_P(
 
 class RecontainedFiles : public testing::TestWithParam<const char*> {};
 
+// Of fragments the copy keeps the padding at the end: their last sample tells its length, which
+// the tables of the copy do not.
 TEST_P(RecontainedFiles, TheCopySoundsAsTheFileDoes) {
     const std::string path = MadeMedia(std::string("sound/") + GetParam());
-    const auto direct = Open(path, 44100);
+    const StereoSound direct = ReadWhole(*Open(path, 44100));
     const auto copied = Open(path, 44100, true);
     const StereoSound whole = ReadWhole(*copied);
-    EXPECT_GT(whole.Frames(), 12U * 44100);
-    EXPECT_TRUE(whole == ReadWhole(*direct));
+    ASSERT_GE(whole.Frames(), direct.Frames());
+    EXPECT_LT(whole.Frames() - direct.Frames(), 1024U);
+    EXPECT_TRUE(whole.Slice(0, direct.Frames()) == direct);
     ExpectRandomReadsEqual(*copied, whole, 25);
 }
 
@@ -111,28 +138,34 @@ INSTANTIATE_TEST_SUITE_P(Made, RecontainedFiles,
                          testing::Values("aac-film.mp4", "aac-fragmented.mp4"),
                          [](const auto& file) { return TestNameOf(file.param); });
 
-// Everything that the sound of a kind of file may meet.
+// Every real file that the factory sends to Media Foundation.
 TEST(SoundFilesAtHand, RandomReadsEqualTheLinearRead) {
-    constexpr unsigned int most = 60 * 44100; // frames of a file that are compared
+    constexpr unsigned int most = 60 * 44100; // frames; longer ones are compared up to there
     int exact = 0;
     int refused = 0;
     for (const char* folder : {"asf", "mp4_audio", "wav", "mpeg"}) {
         for (const auto& file : RealMedia(folder)) {
             SCOPED_TRACE(file.filename().string());
-            MFAudioReader linear(file.string());
-            MFAudioReader shuffled(file.string());
-            if (!linear.Initialize(44100) || !shuffled.Initialize(44100)) {
-                ++refused;
+            if (ChooseAudioRoute(file.string(), boost::make_shared<WindowsVersionProvider>()) !=
+                AudioRoute::MediaFoundation) {
                 continue;
             }
-            const StereoSound whole = ReadSpan(linear, 0, most);
-            if (whole.Frames() < most) {
-                ExpectRandomReadsEqual(shuffled, whole, 12);
+            try {
+                const StereoSound whole = ReadSpan(*Open(file.string(), 44100), 0, most);
+                if (whole.Frames() < most) {
+                    const auto reader = Open(file.string(), 44100);
+                    ExpectRandomReadsEqual(*reader, whole, 12);
+                    const std::int64_t last = static_cast<std::int64_t>(whole.Frames()) - 1;
+                    EXPECT_EQ(last < 0 || ReadSpan(*reader, last, 9).Frames() == 1, true);
+                }
+                ++exact;
+            } catch (const TextException&) {
+                ++refused; // no media, or in a codec that nothing decodes
             }
-            ++exact;
         }
     }
     std::cout << exact << " files read, " << refused << " refused\n";
+    EXPECT_TRUE(RealMedia("wav").empty() || exact > 40);
 }
 
 TEST(LegacyFiles, ReadsWhatTheCurrentReaderReads) {
