@@ -16,6 +16,7 @@
 
 #include "bench/Comparison.h"
 #include "bench/VideoContender.h"
+#include "zanthe/core/WorkReport.h"
 
 namespace {
 
@@ -172,11 +173,29 @@ void RunFirstOfAFreshFile(benchmark::State& state, Opened& contender) {
     }
 }
 
-// A contender that cannot do it leaves the others their turn.
+// What the library counted, for one iteration. Contenders that are not the library count nothing.
+void ReportWork(benchmark::State& state, const Zanthe::WorkDone& work) {
+    if (work == Zanthe::WorkDone{}) {
+        return;
+    }
+    const auto each = [](std::int64_t count) {
+        return benchmark::Counter(static_cast<double>(count), benchmark::Counter::kAvgIterations);
+    };
+    state.counters["packets"] = each(work.packetsRead);
+    state.counters["decoded"] = each(work.picturesDecoded);
+    state.counters["converted"] = each(work.picturesConverted);
+    state.counters["seeks"] = each(work.seeks);
+}
+
+// A contender that cannot do it leaves the others their turn. What a walk does before it is timed
+// is counted too; over many iterations it does not show.
 void RunOrSkip(benchmark::State& state, Opened& contender,
                void (*run)(benchmark::State&, Opened&)) {
     try {
+        static_cast<void>(*contender); // opened, if it was not
+        const Zanthe::WorkDone before = Zanthe::ReadWorkCounters();
         run(state, contender);
+        ReportWork(state, Zanthe::ReadWorkCounters() - before);
     } catch (const std::exception& error) {
         state.SkipWithError(error.what());
     }

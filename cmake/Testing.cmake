@@ -1,5 +1,9 @@
 find_package(GTest REQUIRED)
 include(GoogleTest)
+# Decoders that pictures are compared with.
+pkg_check_modules(PICTURE_FORMATS REQUIRED IMPORTED_TARGET libjpeg libtiff-4 libwebp)
+# Makes files that unfold.
+find_package(ZLIB REQUIRED)
 
 # All test programs that the thread sanitizer is to look at.
 add_custom_target(zanthe_thread_tests)
@@ -14,10 +18,16 @@ function(zanthe_test name)
     target_link_libraries(${name} PRIVATE
         zanthe_settings zanthe_testing zanthe_test_support GTest::gmock GTest::gtest_main
         ${arg_LIBRARIES})
-    # What libraries do among themselves is no finding of ours; the files say which and why.
+    # What libraries do among themselves is no finding of ours; the files say which and why. One
+    # variable for each build: a second would end the list of properties.
     set(quieted ${PROJECT_SOURCE_DIR}/tests/support)
-    set(properties TIMEOUT 300 ENVIRONMENT
-        "LSAN_OPTIONS=suppressions=${quieted}/leaks.supp:print_suppressions=0;TSAN_OPTIONS=suppressions=${quieted}/races.supp")
+    set(properties TIMEOUT 300)
+    if(ZANTHE_SANITIZE MATCHES thread)
+        list(APPEND properties ENVIRONMENT TSAN_OPTIONS=suppressions=${quieted}/races.supp)
+    elseif(ZANTHE_SANITIZE)
+        list(APPEND properties ENVIRONMENT
+            LSAN_OPTIONS=suppressions=${quieted}/leaks.supp:print_suppressions=0)
+    endif()
     if(arg_MEDIA)
         list(APPEND properties FIXTURES_REQUIRED made_media)
     endif()

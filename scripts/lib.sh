@@ -6,15 +6,16 @@ root=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")
 export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
 
 # The one list of Debian 12 packages.
-#   build: what preset release asks for (library, program, tests, benches), and the ffmpeg program,
-#          which makes the media of the tests and of the demonstration
+#   build: what preset release asks for (library, program, tests, benches), and the ffmpeg and vips
+#          programs, which make the media of the tests and of the demonstration
 #   check: what only the format check, clang-tidy and the fuzz targets ask for
 packages_build=(
     g++ cmake ninja-build pkg-config ffmpeg
     libavformat-dev libavcodec-dev libavutil-dev libswresample-dev libswscale-dev
-    libyuv-dev libpng-dev libcairo2-dev libvips-dev libgif-dev libpoppler-glib-dev
+    libyuv-dev libpng-dev zlib1g-dev libcairo2-dev libvips-dev libgif-dev libpoppler-glib-dev
     libboost-dev libcli11-dev nlohmann-json3-dev libinih-dev libgsf-1-dev
-    libgtest-dev libgmock-dev libbenchmark-dev)
+    libgtest-dev libgmock-dev libbenchmark-dev
+    libjpeg-dev libtiff-dev libwebp-dev zlib1g-dev libvips-tools)
 packages_check=(clang-14 libclang-rt-14-dev clang-tidy-14 clang-format-14 libffms2-dev)
 
 say() {

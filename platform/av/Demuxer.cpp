@@ -1,5 +1,6 @@
 #include "platform/av/Demuxer.h"
 
+#include <cstring>
 #include <utility>
 
 #include "platform/av/OpenInput.h"
@@ -17,6 +18,13 @@ void DropBoundlessTimes(AVPacket& packet) {
             *time = AV_NOPTS_VALUE;
         }
     }
+}
+
+// Whether a picture that others are predicted from may itself wait behind several of those. Then
+// its place among them cannot be told from the kinds of the pictures.
+bool ReordersFreely(const AVStream& stream) {
+    const AVCodecID codec = stream.codecpar->codec_id;
+    return codec == AV_CODEC_ID_H264 || codec == AV_CODEC_ID_HEVC || codec == AV_CODEC_ID_VVC;
 }
 
 bool HasSideData(const AVPacket& packet, AVPacketSideDataType type) {
@@ -44,11 +52,6 @@ std::unique_ptr<Demuxer> Demuxer::Open(const std::string& path, int ordinal, Tra
 bool Demuxer::Reopen() {
     m_pending.reset(av_packet_alloc());
     m_format.reset(avformat_alloc_context());
-    if (m_format != nullptr && m_kind == TrackKind::Video) {
-        // Where only decode times are stored, those of presentation follow from them and from
-        // which pictures others are predicted from.
-        m_format->flags |= AVFMT_FLAG_GENPTS;
-    }
     if (m_pending == nullptr || m_format == nullptr || OpenInput(m_format, m_path) < 0 ||
         avformat_find_stream_info(m_format.get(), nullptr) < 0) {
         return false;
@@ -58,7 +61,16 @@ bool Demuxer::Reopen() {
         return false;
     }
     DiscardOthers(*m_format, m_stream);
+    if (m_kind == TrackKind::Video && !ReordersFreely(Stream())) {
+        // Where only decode times are stored, those of presentation follow from them and from
+        // which pictures others are predicted from.
+        m_format->flags |= AVFMT_FLAG_GENPTS;
+    }
     return true;
+}
+
+bool Demuxer::MissesTimes() const {
+    return ReordersFreely(Stream()) && std::strcmp(m_format->iformat->name, "mpeg") == 0;
 }
 
 // Decoding "works" on what is encrypted, and gives noise.

@@ -47,6 +47,10 @@ public:
     // counted from the start.
     bool HasTimes() const { return m_hasTimes; }
 
+    // Whether packets may come without any time between others that have theirs, as program streams
+    // give one for each pack at most.
+    bool MissesTimes() const;
+
     // Whether the container's index has a key frame just before the packet decoded at `dts`.
     bool FollowsIndexedKey(std::int64_t dts) const;
 

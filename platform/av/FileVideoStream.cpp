@@ -37,7 +37,7 @@ FileVideoStream::FileVideoStream(std::unique_ptr<Demuxer> demuxer,
     : m_demuxer(std::move(demuxer))
     , m_decoder(std::move(decoder))
     , m_feed(*m_demuxer)
-    , m_run(m_feed, *m_decoder, m_demuxer->Stream())
+    , m_run(m_feed, *m_decoder, m_demuxer->Stream(), !m_demuxer->MissesTimes())
     , m_landing(*m_demuxer, m_feed, m_run.Clock(), m_demuxer->Stream().codecpar->video_delay)
     , m_facts(ReadVideoFacts(m_demuxer->Format(), m_demuxer->Stream()))
     , m_file(FactsOf(m_demuxer->Format()))
@@ -173,6 +173,12 @@ bool FileVideoStream::Begin(Landing::Place place, std::int64_t keepFrom, bool de
     const bool fromStart = place == Landing::Place::Start;
     // Some decoders give other pictures at the start of a file than they do later, so what is read
     // from there is always read by a new one.
+    if (fromStart) {
+        // A decoder's memory goes back when the last of its pictures does, all of it together: one
+        // picture kept of each decoder before would hold as much as the whole cache may.
+        PictureCache::Shared().Forget(m_owner);
+        m_trail.clear();
+    }
     if (!fromStart || !m_decoder->Reset()) {
         m_decoder->Flush();
     }

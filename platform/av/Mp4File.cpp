@@ -9,6 +9,19 @@
 
 namespace av {
 
+namespace {
+
+std::uint32_t Positive(int size) {
+    return size > 0 ? static_cast<std::uint32_t>(size) : 0;
+}
+
+// The function only looks, but does not say so.
+const AVIndexEntry* EntryOf(const AVStream& stream, std::uint32_t number) {
+    return avformat_index_get_entry(const_cast<AVStream*>(&stream), static_cast<int>(number));
+}
+
+} // namespace
+
 std::unique_ptr<Mp4File> Mp4File::Open(const std::string& path) {
     FormatContextPtr context = OpenMp4(path, EditLists::Ignored);
     if (context == nullptr) {
@@ -42,6 +55,8 @@ Mp4File::Mp4File(std::string path, FormatContextPtr context)
             m_tracks.push_back({.id = static_cast<std::uint32_t>(stream.id),
                                 .kind = KindOf(stream),
                                 .codec = CodecOf(stream),
+                                .width = Positive(stream.codecpar->width),
+                                .height = Positive(stream.codecpar->height),
                                 .stream = i});
         }
     }
@@ -77,10 +92,38 @@ std::optional<Mp4Sample> Mp4File::Sample(const Mp4Track& track, std::uint32_t nu
     if (number >= SampleCount(track)) {
         return std::nullopt;
     }
-    // The function only looks, but does not say so.
-    auto& stream = const_cast<AVStream&>(CompleteStreamOf(track));
-    const AVIndexEntry* entry = avformat_index_get_entry(&stream, static_cast<int>(number));
-    return Mp4Sample{entry->timestamp, (entry->flags & AVINDEX_KEYFRAME) != 0};
+    const AVIndexEntry* entry = EntryOf(CompleteStreamOf(track), number);
+    return Mp4Sample{.time = entry->timestamp,
+                     .isKey = (entry->flags & AVINDEX_KEYFRAME) != 0,
+                     .place = entry->pos,
+                     .size = Positive(entry->size)};
+}
+
+std::optional<std::uint32_t> Mp4File::SampleAt(const Mp4Track& track, std::int64_t time) {
+    const AVStream& stream = CompleteStreamOf(track);
+    const std::uint32_t count = SampleCount(track);
+    if (count == 0 ||
+        time >= std::max(Duration(track), EntryOf(stream, count - 1)->timestamp + 1)) {
+        return std::nullopt;
+    }
+    std::uint32_t first = 0; // the sample looked for is here or behind
+    std::uint32_t behind = count;
+    while (behind - first > 1) {
+        const std::uint32_t middle = first + (behind - first) / 2;
+        (EntryOf(stream, middle)->timestamp <= time ? first : behind) = middle;
+    }
+    return first;
+}
+
+bool Mp4File::Holds(const Mp4Sample& sample) const {
+    const std::int64_t size = avio_size(m_context->pb);
+    return sample.place >= 0 && sample.place <= size && size - sample.place >= sample.size;
+}
+
+bool Mp4File::Read(const Mp4Sample& sample, std::uint8_t* bytes) {
+    const auto count = static_cast<int>(sample.size);
+    return Holds(sample) && avio_seek(m_context->pb, sample.place, SEEK_SET) == sample.place &&
+           avio_read(m_context->pb, bytes, count) == count;
 }
 
 } // namespace av

@@ -1,4 +1,4 @@
-// An MP4 or QuickTime file, open for the tables in its headers; no sample is read.
+// An MP4 or QuickTime file, open for the tables in its headers and for the bytes of single samples.
 //
 //     if (const auto file = av::Mp4File::Open(path))
 //         for (const av::Mp4Track& track : file->Tracks()) ...
@@ -21,12 +21,16 @@ struct Mp4Track {
     std::string codec;     // the four characters of its first sample description; empty if none
     std::string handler{}; // "soun", "vide", ...; empty if none
     std::vector<std::string> descriptions{}; // the four characters of all sample descriptions
-    unsigned int stream = 0;                 // its place in the file, covers counted
+    std::uint32_t width = 0; // pixels, by its first sample description; 0 without pictures
+    std::uint32_t height = 0;
+    unsigned int stream = 0; // its place in the file, covers counted
 };
 
 struct Mp4Sample {
-    std::int64_t time = 0; // when it is decoded, in the track's units, the first one about 0
-    bool isKey = false;    // it can be decoded without another
+    std::int64_t time = 0;  // when it is decoded, in the track's units, the first one about 0
+    bool isKey = false;     // it can be decoded without another
+    std::int64_t place = 0; // of its bytes in the file
+    std::uint32_t size = 0; // bytes
 };
 
 // Edit lists play no part: times and samples are the tracks' own. The first question for durations
@@ -56,6 +60,16 @@ public:
 
     // Nothing where there is no such sample.
     std::optional<Mp4Sample> Sample(const Mp4Track& track, std::uint32_t number);
+
+    // The number of the sample that is the last to begin at or before `time`, in the track's units;
+    // the first one where none does. Nothing where the track has none, or has ended at `time`.
+    std::optional<std::uint32_t> SampleAt(const Mp4Track& track, std::int64_t time);
+
+    // Whether the file is long enough to hold the sample's bytes.
+    bool Holds(const Mp4Sample& sample) const;
+
+    // Writes the sample's `size` bytes to `bytes`; false where the file does not give them all.
+    bool Read(const Mp4Sample& sample, std::uint8_t* bytes);
 
 private:
     Mp4File(std::string path, FormatContextPtr context);

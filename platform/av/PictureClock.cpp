@@ -4,6 +4,7 @@
 #include <limits>
 
 extern "C" {
+#include <libavutil/common.h>
 #include <libavutil/mathematics.h>
 }
 
@@ -44,12 +45,17 @@ PictureClock::PictureClock(const AVStream& stream)
 void PictureClock::Reset() {
     m_waiting.clear();
     m_counted = 0;
+    m_told = false;
     m_last = 0;
 }
 
 void PictureClock::Sent(const AVPacket& packet) {
     if (packet.pts != AV_NOPTS_VALUE) {
+        m_told = true;
         return;
+    }
+    if (m_told) {
+        return; // follows its neighbour
     }
     if (packet.dts != AV_NOPTS_VALUE) {
         m_waiting.insert(FromStream(packet.dts));
@@ -81,7 +87,7 @@ std::int64_t PictureClock::EndOf(const AVFrame& frame, std::int64_t start) const
     if (frame.pkt_duration > 0) {
         const std::int64_t duration = Within(frame.pkt_duration);
         end = frame.pts == AV_NOPTS_VALUE ? start + FromStream(duration)
-                                          : FromStream(frame.pts + duration);
+                                          : FromStream(av_sat_add64(frame.pts, duration));
     }
     return end > start ? end : start + UsualDuration();
 }

@@ -12,7 +12,8 @@ namespace av {
 // say when they are decoded. There are as many pictures as packets and the decoder gives them in
 // order of presentation, so the first one shown takes the earliest of those times, the second the
 // next, and so on. Packets without any time (elementary streams) are counted from the start of the
-// file.
+// file. Where some packets tell the time of presentation, a picture of one that does not (program
+// streams) follows the picture before it.
 //
 // Thread-safety: none.
 class PictureClock {
@@ -42,6 +43,7 @@ private:
     AVRational m_timeBase;
     AVRational m_frameRate;
     std::multiset<std::int64_t> m_waiting; // decode times that no picture has taken
+    bool m_told = false;                   // a packet said when its picture is shown
     std::int64_t m_counted = 0;            // packets without any time
     std::int64_t m_last = 0;               // what StartOf said last
 };

@@ -28,11 +28,13 @@ std::int64_t LeastDistance(const AVStream& stream) {
 
 } // namespace
 
-PictureRun::PictureRun(PacketFeed& feed, VideoDecoder& decoder, const AVStream& stream)
+PictureRun::PictureRun(PacketFeed& feed, VideoDecoder& decoder, const AVStream& stream,
+                       bool everyTimeTold)
     : m_feed(feed)
     , m_decoder(decoder)
     , m_clock(stream)
     , m_scratch(av_frame_alloc())
+    , m_everyTimeTold(everyTimeTold)
     , m_apart(LeastDistance(stream)) {}
 
 void PictureRun::Begin(bool fromStart) {
@@ -44,7 +46,7 @@ void PictureRun::Begin(bool fromStart) {
     m_landed = fromStart;
     m_judged = false;
     m_broken = false;
-    m_decodesAll = false;
+    m_decodesAll = !m_everyTimeTold;
     m_firstSerial = m_serial + 1;
     m_leftOut = INT64_MIN;
     m_firstStart.reset();

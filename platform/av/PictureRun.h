@@ -21,7 +21,8 @@ namespace av {
 // Thread-safety: none.
 class PictureRun {
 public:
-    PictureRun(PacketFeed& feed, VideoDecoder& decoder, const AVStream& stream);
+    // `everyTimeTold`: every packet says when its picture is shown, so that some can be left out.
+    PictureRun(PacketFeed& feed, VideoDecoder& decoder, const AVStream& stream, bool everyTimeTold);
 
     // Begins with the packet that the feed is at. `fromStart`: it is the file's first, so all that
     // comes out counts. Otherwise what is presented before that packet's picture is left out: it
@@ -74,6 +75,7 @@ private:
     VideoDecoder& m_decoder;
     PictureClock m_clock;
     FramePtr m_scratch;
+    const bool m_everyTimeTold;
     const std::int64_t m_apart; // pts that differ by less may be those of one picture's two fields
 
     // What came out and was not handed out, by start. Of two with one start the later one is shown.

@@ -38,6 +38,15 @@ std::uint64_t CountSamples(const AVStream& stream) {
     return static_cast<std::uint64_t>(std::max({stream.nb_frames, indexed, std::int64_t{0}}));
 }
 
+// What an encoder needs to begin stands before time 0. Where an edit list cuts it off, the duration
+// is without it; in fragments no list cuts, and the duration counts all.
+std::int64_t BeginOf(const AVStream& stream) {
+    // The function only looks, but does not say so.
+    const AVIndexEntry* first = avformat_index_get_entry(const_cast<AVStream*>(&stream), 0);
+    const std::int64_t time = first != nullptr ? first->timestamp : 0;
+    return stream.nb_frames > 0 ? std::max(time, std::int64_t{0}) : time;
+}
+
 Track DescribeTrack(const AVStream& stream) {
     Track track;
     track.kind = KindOf(stream);
@@ -45,6 +54,7 @@ Track DescribeTrack(const AVStream& stream) {
     track.width = Positive(stream.codecpar->width);
     track.height = Positive(stream.codecpar->height);
     track.samples = CountSamples(stream);
+    track.begin = BeginOf(stream);
     // A track's time base is one over its time scale in this family of files.
     track.duration = std::max(stream.duration, std::int64_t{0});
     track.unitsPerSecond = std::max(stream.time_base.den, 1);
@@ -54,10 +64,11 @@ Track DescribeTrack(const AVStream& stream) {
 } // namespace
 
 std::uint64_t Track::FramesAt(int rate) const {
-    if (rate <= 0) {
+    std::int64_t end = 0;
+    if (rate <= 0 || __builtin_add_overflow(begin, duration, &end) || end <= 0) {
         return 0;
     }
-    const std::int64_t frames = av_rescale_rnd(duration, rate, unitsPerSecond, AV_ROUND_UP);
+    const std::int64_t frames = av_rescale_rnd(end, rate, unitsPerSecond, AV_ROUND_UP);
     return frames > 0 ? static_cast<std::uint64_t>(frames) : 0; // negative: beyond 64 bits
 }
 

@@ -19,10 +19,12 @@ struct Track {
     std::uint32_t width = 0; // pixels as coded; 0 where the track has no pictures
     std::uint32_t height = 0;
     std::uint64_t samples = 0; // coded samples: pictures of a video track
-    std::int64_t duration = 0; // in 1 / unitsPerSecond seconds, never negative
+    std::int64_t begin = 0;    // of its first sample in the file's time, in 1 / unitsPerSecond s
+    std::int64_t duration = 0; // in the same units, never negative
     std::int64_t unitsPerSecond = 1;
 
-    // How many frames at `rate` Hz begin before the track ends; 0 for a rate of 0 or less.
+    // How many frames at `rate` Hz, counted from the file's time 0, begin before the track ends; 0
+    // for a rate of 0 or less.
     std::uint64_t FramesAt(int rate) const;
 };
 

@@ -5,55 +5,30 @@
 #include <boost/make_shared.hpp>
 
 #include "platform/av/TrackList.h"
+#include "platform/brec/DescribedTrack.h"
+#include "platform/brec/PictureTrack.h"
+#include "platform/brec/SoundTrack.h"
 #include "platform/win32/Path.h"
 
 namespace BREC {
 
 namespace {
 
-class DescribedTrack final : public MP4TrackReader {
-public:
-    DescribedTrack(av::Track track, const AudioFormat& format)
-        : m_track(std::move(track))
-        , m_format(format) {}
-
-    // MP4TrackReader
-    int type() const override;
-
-    std::string codec() const override { return m_track.codec; }
-
-    std::uint32_t width() const override { return m_track.width; }
-
-    std::uint32_t height() const override { return m_track.height; }
-
-    std::uint64_t lengthInFrames() const override;
-
-    unsigned int fillAudioBuffer(std::uint64_t, unsigned int, unsigned char*) override { return 0; }
-
-    bool decodeFrameAtTime(double, unsigned char*, unsigned int, double*, double, double,
-                           double) override {
-        return false;
-    }
-
-private:
-    av::Track m_track;
-    AudioFormat m_format;
+// How many tracks of a kind the recording has had so far.
+struct Ordinals {
+    int pictures = 0;
+    int sound = 0;
 };
 
-int DescribedTrack::type() const {
-    switch (m_track.kind) {
-    case av::TrackKind::Video:
-        return VideoTrack;
-    case av::TrackKind::Audio:
-        return AudioTrack;
-    default:
-        return OtherTrack;
+boost::shared_ptr<MP4TrackReader> MakeTrack(av::Track track, const AudioFormat& format,
+                                            const std::string& path, Ordinals& next) {
+    if (track.kind == av::TrackKind::Video) {
+        return boost::make_shared<PictureTrack>(std::move(track), format, path, next.pictures++);
     }
-}
-
-std::uint64_t DescribedTrack::lengthInFrames() const {
-    return m_track.kind == av::TrackKind::Audio ? m_track.FramesAt(m_format.sampleRate())
-                                                : m_track.samples;
+    if (track.kind == av::TrackKind::Audio) {
+        return boost::make_shared<SoundTrack>(std::move(track), format, path, next.sound++);
+    }
+    return boost::make_shared<DescribedTrack>(std::move(track), format);
 }
 
 } // namespace
@@ -63,14 +38,16 @@ Reader::Reader(std::vector<boost::shared_ptr<MP4TrackReader>> tracks)
 
 boost::shared_ptr<Reader> Reader::create(const std::string& path, const AudioFormat& format,
                                          AACDecoderFactory*) {
-    auto described = av::ReadTrackList(win32::ExistingPath(path));
+    const std::string existing = win32::ExistingPath(path);
+    auto described = av::ReadTrackList(existing);
     if (!described) {
         return nullptr;
     }
     std::vector<boost::shared_ptr<MP4TrackReader>> tracks;
     tracks.reserve(described->size());
+    Ordinals next;
     for (av::Track& track : *described) {
-        tracks.push_back(boost::make_shared<DescribedTrack>(std::move(track), format));
+        tracks.push_back(MakeTrack(std::move(track), format, existing, next));
     }
     return boost::shared_ptr<Reader>(new Reader(std::move(tracks)));
 }

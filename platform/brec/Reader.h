@@ -5,8 +5,8 @@
 //     if (const auto reader = BREC::Reader::create(path, format, nullptr))
 //         for (const auto& track : reader->tracks()) ...
 //
-// Nothing stands behind the tracks yet that decodes: they describe themselves, and every read of
-// pictures or sound gives nothing and says so by its result.
+// A track in a codec that nothing decodes describes itself; its reads give nothing and say so by
+// their result.
 #pragma once
 
 #include <string>

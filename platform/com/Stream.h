@@ -17,7 +17,7 @@ enum STGTY : DWORD {
     STGTY_STREAM = 2,
 };
 
-enum STREAM_SEEK : DWORD {
+enum STREAM_SEEK : DWORD { // NOLINT(readability-identifier-naming): settled
     STREAM_SEEK_SET = 0,
     STREAM_SEEK_CUR = 1,
     STREAM_SEEK_END = 2,

@@ -9,6 +9,7 @@
 #include "platform/av/CodecList.h"
 #include "platform/com/TaskMemory.h"
 #include "platform/mf/AttributeStore.h"
+#include "platform/mf/CodecEnumerator.h"
 #include "platform/mf/CodecSubtypes.h"
 #include "platform/mf/MediaFormats.h"
 #include "platform/mf/Transform.h"
@@ -172,6 +173,10 @@ HRESULT MFTEnumEx(GUID category, UINT32 flags, const MFT_REGISTER_TYPE_INFO* inp
     }
     *activates = nullptr;
     *count = 0;
+    if (const mf::CodecEnumerator enumerator = mf::CurrentCodecEnumerator()) {
+        return com::Wall(
+            [&] { return enumerator(category, flags, input, output, activates, count); });
+    }
     const auto use = mf::UseOf(category);
     if (!use) {
         return E_INVALIDARG;

@@ -88,17 +88,20 @@ struct IMFSourceReader : IUnknown {
     virtual HRESULT SetCurrentMediaType(DWORD streamIndex, DWORD* reserved, IMFMediaType* type) = 0;
 
     // The next sample of each stream is the one shown at `position`, VT_I8 in units of 100 ns, the
-    // only `timeFormat` (GUID_NULL). A position before the start is the start; behind the end of a
-    // stream comes its last sample, and then its end. Compressed samples go on from the key frame
-    // at or before it. The next sample of decoded sound begins with the frame at the position, and
-    // behind the stream's last one there is only its end. MF_E_INVALIDREQUEST while an asynchronous
-    // request is in flight.
+    // only `timeFormat` (GUID_NULL). For pictures that is the one shown a unit later: a position
+    // one unit before a picture, which its time cut to whole units may be, gives that picture. A
+    // position before the start is the start; behind the end of a stream comes its last sample, and
+    // then its end. Compressed samples go on from the key frame at or before it. The next sample of
+    // decoded sound begins with the frame at the position, and behind the stream's last one there
+    // is only its end. MF_E_INVALIDREQUEST while an asynchronous request is in flight.
     virtual HRESULT SetCurrentPosition(REFGUID timeFormat, REFPROPVARIANT position) = 0;
 
     // The next sample of a stream, waited for. *sample: it, with a reference for the caller; null
     // with MF_SOURCE_READERF_ENDOFSTREAM in *flags behind the last one, and on failure.
     // *actualIndex: its stream; *time: its time. These two may be null. MF_E_INVALIDREQUEST where
-    // the stream is not selected. `controlFlags` is 0.
+    // the stream is not selected. `controlFlags` is 0. The sample of a picture lasts until a unit
+    // before the next one's time, as that unit leads to the next one; only the last picture's
+    // sample lasts until its end.
     //
     // Asynchronous: the four pointers are null, E_INVALIDARG otherwise, and S_OK says that
     // OnReadSample will be called. MF_E_NOTACCEPTING from Flush to its OnFlush, and where very many

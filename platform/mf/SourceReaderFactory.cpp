@@ -1,36 +1,32 @@
 #include "platform/mf/SourceReaderFactory.h"
 
-#include <mutex>
 #include <utility>
+
+#include "platform/com/Replaceable.h"
 
 namespace mf {
 
 namespace {
 
-std::mutex factoryMutex;
-SourceReaderFactory currentFactory;            // guarded by factoryMutex
-MediaSourceReaderFactory currentSourceFactory; // guarded by factoryMutex
+com::Replaceable<SourceReaderFactory> currentFactory;
+com::Replaceable<MediaSourceReaderFactory> currentSourceFactory;
 
 } // namespace
 
 SourceReaderFactory SetSourceReaderFactory(SourceReaderFactory factory) {
-    const std::lock_guard lock(factoryMutex);
-    return std::exchange(currentFactory, std::move(factory));
+    return currentFactory.Replace(std::move(factory));
 }
 
 SourceReaderFactory CurrentSourceReaderFactory() {
-    const std::lock_guard lock(factoryMutex);
-    return currentFactory;
+    return currentFactory.Current();
 }
 
 MediaSourceReaderFactory SetMediaSourceReaderFactory(MediaSourceReaderFactory factory) {
-    const std::lock_guard lock(factoryMutex);
-    return std::exchange(currentSourceFactory, std::move(factory));
+    return currentSourceFactory.Replace(std::move(factory));
 }
 
 MediaSourceReaderFactory CurrentMediaSourceReaderFactory() {
-    const std::lock_guard lock(factoryMutex);
-    return currentSourceFactory;
+    return currentSourceFactory.Current();
 }
 
 } // namespace mf

@@ -1,6 +1,7 @@
 #include "platform/mp4v2/Mp4v2.h"
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -59,6 +60,11 @@ bool HasDescription(const av::Mp4Track& track, const std::string& atomPath) {
                        });
 }
 
+std::uint16_t ToSize(std::uint32_t pixels) {
+    constexpr std::uint32_t most = std::numeric_limits<std::uint16_t>::max();
+    return static_cast<std::uint16_t>(std::min(pixels, most));
+}
+
 } // namespace
 
 MP4FileHandle MP4Read(const char* path) {
@@ -78,6 +84,33 @@ MP4TrackId MP4FindTrackId(MP4FileHandle file, std::uint16_t index, const char* t
         }
     }
     return MP4_INVALID_TRACK_ID;
+}
+
+std::uint32_t MP4GetNumberOfTracks(MP4FileHandle file, const char* type, std::uint8_t subType) {
+    if (file == MP4_INVALID_FILE_HANDLE || subType != 0) {
+        return 0;
+    }
+    const auto& tracks = FileOf(file)->Tracks();
+    return static_cast<std::uint32_t>(
+        std::count_if(tracks.begin(), tracks.end(),
+                      [type](const av::Mp4Track& track) { return IsOfType(track, type); }));
+}
+
+const char* MP4GetTrackMediaDataName(MP4FileHandle file, MP4TrackId track) {
+    const av::Mp4Track* found = TrackOf(file, track);
+    return found == nullptr || found->descriptions.size() != 1
+               ? nullptr
+               : found->descriptions.front().c_str();
+}
+
+std::uint16_t MP4GetTrackVideoWidth(MP4FileHandle file, MP4TrackId track) {
+    const av::Mp4Track* found = TrackOf(file, track);
+    return found == nullptr ? std::uint16_t{0} : ToSize(found->width);
+}
+
+std::uint16_t MP4GetTrackVideoHeight(MP4FileHandle file, MP4TrackId track) {
+    const av::Mp4Track* found = TrackOf(file, track);
+    return found == nullptr ? std::uint16_t{0} : ToSize(found->height);
 }
 
 bool MP4HaveTrackAtom(MP4FileHandle file, MP4TrackId track, const char* atomPath) {
@@ -110,6 +143,33 @@ MP4Timestamp MP4GetSampleTime(MP4FileHandle file, MP4TrackId track, MP4SampleId 
     const auto found = SampleOf(file, track, sample);
     return found ? static_cast<MP4Timestamp>(std::max(found->time, std::int64_t{0}))
                  : MP4_INVALID_TIMESTAMP;
+}
+
+MP4SampleId MP4GetSampleIdFromTime(MP4FileHandle file, MP4TrackId track, MP4Timestamp when,
+                                   bool wantSyncSample) {
+    const av::Mp4Track* found = TrackOf(file, track);
+    constexpr MP4Timestamp most = std::numeric_limits<std::int64_t>::max();
+    if (found == nullptr || wantSyncSample || when > most) {
+        return MP4_INVALID_SAMPLE_ID;
+    }
+    const auto number = FileOf(file)->SampleAt(*found, static_cast<std::int64_t>(when));
+    return number ? *number + 1 : MP4_INVALID_SAMPLE_ID;
+}
+
+std::uint32_t MP4GetSampleSize(MP4FileHandle file, MP4TrackId track, MP4SampleId sample) {
+    const auto found = SampleOf(file, track, sample);
+    return found && FileOf(file)->Holds(*found) ? found->size : 0;
+}
+
+bool MP4ReadSample(MP4FileHandle file, MP4TrackId track, MP4SampleId sample, std::uint8_t** bytes,
+                   std::uint32_t* byteCount) {
+    const auto found = SampleOf(file, track, sample);
+    if (!found || bytes == nullptr || *bytes == nullptr || byteCount == nullptr ||
+        found->size > *byteCount || !FileOf(file)->Read(*found, *bytes)) {
+        return false;
+    }
+    *byteCount = found->size;
+    return true;
 }
 
 std::uint32_t MP4GetTimeScale(MP4FileHandle file) {

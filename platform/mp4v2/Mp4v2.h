@@ -1,5 +1,5 @@
-// The tables of MP4 and QuickTime files. Stands for mp4v2/mp4v2.h, and is that header where the
-// library was built with libmp4v2.
+// The tables and samples of MP4 and QuickTime files. Stands for mp4v2/mp4v2.h, and is that header
+// where the library was built with libmp4v2.
 //
 //     MP4FileHandle file = MP4Read(path);
 //     if (file != MP4_INVALID_FILE_HANDLE)
@@ -42,6 +42,18 @@ MP4FileHandle MP4Read(const char* path);
 MP4TrackId MP4FindTrackId(MP4FileHandle file, std::uint16_t index, const char* type,
                           std::uint8_t subType);
 
+// How many tracks MP4FindTrackId finds for these two.
+std::uint32_t MP4GetNumberOfTracks(MP4FileHandle file, const char* type = nullptr,
+                                   std::uint8_t subType = 0);
+
+// The four characters of the track's sample description, such as "avc1", valid as long as the
+// handle; null where it has none or several, and where there is no such track.
+const char* MP4GetTrackMediaDataName(MP4FileHandle file, MP4TrackId track);
+
+// The size of the track's pictures in pixels by its sample description; 0 where it tells none.
+std::uint16_t MP4GetTrackVideoWidth(MP4FileHandle file, MP4TrackId track);
+std::uint16_t MP4GetTrackVideoHeight(MP4FileHandle file, MP4TrackId track);
+
 // Whether the track has the atom `atomPath`, named from within its "trak". Offered for the atoms
 // below "mdia.minf.stbl.stsd", its sample descriptions: "mdia.minf.stbl.stsd.mp4a". False for any
 // other path, and where there is no such track.
@@ -57,6 +69,20 @@ MP4SampleId MP4GetTrackNumberOfSamples(MP4FileHandle file, MP4TrackId track);
 // Of the track's sample `sample`, counted from 1 in the order of decoding: 1 for one that can be
 // decoded without another, 0 for one that cannot, -1 where there is no such sample.
 std::int8_t MP4GetSampleSync(MP4FileHandle file, MP4TrackId track, MP4SampleId sample);
+
+// The sample that is decoded at `when`, in the track's units: the last one to begin at or before
+// it. MP4_INVALID_SAMPLE_ID at and behind the track's end. wantSyncSample would go on to one that
+// can be decoded without another; only false is offered, and finds no sample otherwise.
+MP4SampleId MP4GetSampleIdFromTime(MP4FileHandle file, MP4TrackId track, MP4Timestamp when,
+                                   bool wantSyncSample = false);
+
+// The bytes of one sample. 0 where there is no such sample, and where the file ends before it does.
+std::uint32_t MP4GetSampleSize(MP4FileHandle file, MP4TrackId track, MP4SampleId sample);
+
+// Writes the sample's bytes to *bytes, the caller's, of which *byteCount tells the size and is then
+// told how many there are. False, and *byteCount as it was, when they do not fit or cannot be read.
+bool MP4ReadSample(MP4FileHandle file, MP4TrackId track, MP4SampleId sample, std::uint8_t** bytes,
+                   std::uint32_t* byteCount);
 
 // When it is decoded, in the track's units, the track's start being 0; MP4_INVALID_TIMESTAMP where
 // there is no such sample.

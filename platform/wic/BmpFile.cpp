@@ -55,23 +55,24 @@ bool IsKnownDepth(int bits, Compression compression) {
     return false;
 }
 
-// A mask's bits must be neighbours, and few enough to be scaled without overflow.
+// A mask's bits must be neighbours.
 bool IsUsableMask(std::uint32_t mask) {
     if (mask == 0) {
         return true;
     }
     const std::uint32_t ones = mask >> std::countr_zero(mask);
-    return (ones & (ones + 1)) == 0 && std::popcount(mask) <= 16;
+    return (ones & (ones + 1)) == 0;
 }
 
+// The mask's part of the pixel as a share of 255, to the nearest.
 std::uint8_t Channel(std::uint32_t pixel, std::uint32_t mask, std::uint8_t absent) {
     if (mask == 0) {
         return absent;
     }
     const int shift = std::countr_zero(mask);
-    const std::uint32_t most = mask >> shift;
-    return static_cast<std::uint8_t>(((pixel & mask) >> shift) * 255 / most +
-                                     (((pixel & mask) >> shift) * 255 % most * 2 >= most ? 1 : 0));
+    const std::uint64_t most = mask >> shift;
+    const std::uint64_t value = (pixel & mask) >> shift;
+    return static_cast<std::uint8_t>((value * 255 * 2 + most) / (most * 2));
 }
 
 class HeaderReader {

@@ -25,8 +25,8 @@ struct BmpHeader {
     double dpiY = 96.0;
 };
 
-// Known are the headers of 12 bytes and of 40 to 124, palettes, 16 and 32 bits with masks of up to
-// 16 neighbouring bits, runs of 4 and 8 bits. Alpha counts where the header has a mask for it.
+// Known are the headers of 12 bytes and of 40 to 124, palettes, 16 and 32 bits with masks of
+// neighbouring bits, runs of 4 and 8 bits. Alpha counts where the header has a mask for it.
 //
 // Thread-safety: none.
 class BmpFile {

@@ -44,8 +44,10 @@ public:
     // Over the rows of `bitmap`, which it keeps.
     static std::shared_ptr<Surface> Over(com::ComPtr<IWICBitmap> bitmap, UINT32 width,
                                          UINT32 height) {
+        // Ahead of the call below: it takes the bitmap away, and in which order is the compiler's.
+        BYTE* const bits = wic::BitsOf(bitmap.Get());
         return Checked(cairo_image_surface_create_for_data(
-                           wic::BitsOf(bitmap.Get()), CAIRO_FORMAT_ARGB32, static_cast<int>(width),
+                           bits, CAIRO_FORMAT_ARGB32, static_cast<int>(width),
                            static_cast<int>(height), static_cast<int>(width * 4)),
                        std::move(bitmap));
     }

@@ -47,7 +47,7 @@ bool IsKnownFormat(PixelFormat format) {
     return format == PixelFormat32bppARGB || format == PixelFormat32bppPARGB;
 }
 
-GpStatus SavePng(const GpBitmap& bitmap, const wchar_t* filename) {
+GpStatus SavePng(const GpMemoryBitmap& bitmap, const wchar_t* filename) {
     win32::ReplacingFile file(win32::ExistingPath(win32::WideToUtf8(filename)));
     if (file.Stream() == nullptr) {
         return Win32Error;
@@ -104,13 +104,13 @@ GpStatus GdipCreateBitmapFromScan0(int width, int height, int stride, PixelForma
     if (stride % 4 != 0 || stride / 4 < width) {
         return InvalidParameter;
     }
-    *bitmap = new (std::nothrow) GpBitmap(width, height, stride, format, scan0);
+    *bitmap = new (std::nothrow) GpMemoryBitmap(width, height, stride, format, scan0);
     return *bitmap != nullptr ? Ok : OutOfMemory;
 }
 
 GpStatus GdipSaveImageToFile(GpImage* image, const wchar_t* filename, const CLSID* clsidEncoder,
                              const EncoderParameters* encoderParams) {
-    const auto* const bitmap = dynamic_cast<const GpBitmap*>(image);
+    const auto* const bitmap = dynamic_cast<const GpMemoryBitmap*>(image);
     if (bitmap == nullptr || filename == nullptr || clsidEncoder == nullptr) {
         return InvalidParameter;
     }

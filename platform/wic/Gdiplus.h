@@ -1,7 +1,7 @@
-// GDI+ as far as pictures are saved with it. Stands for gdiplus.h and its flat functions; names,
-// values and argument order are that header's.
+// GDI+ as far as pictures in memory are saved with it. Stands for gdiplus.h and its flat functions;
+// names, values and argument order are that header's.
 //
-// The one encoder is PNG, on libpng.
+// The one encoder is PNG, on libpng. Pictures from streams: GdiplusStreamBitmap.h.
 #pragma once
 
 #include <cstdint>
@@ -58,31 +58,40 @@ protected:
     GpImage() = default;
 };
 
-// Pixels in memory that stay the caller's.
 class GpBitmap : public GpImage {
 public:
-    GpBitmap(int width, int height, int stride, PixelFormat format, const std::uint8_t* scan0)
-        : m_width(width)
-        , m_height(height)
-        , m_stride(stride)
-        , m_format(format)
-        , m_scan0(scan0) {}
-
     int Width() const { return m_width; }
 
     int Height() const { return m_height; }
 
-    int Stride() const { return m_stride; } // bytes, at least Width() * 4
-
     PixelFormat Format() const { return m_format; }
 
-    const std::uint8_t* Scan0() const { return m_scan0; } // the top row
+protected:
+    GpBitmap(int width, int height, PixelFormat format)
+        : m_width(width)
+        , m_height(height)
+        , m_format(format) {}
 
 private:
     int m_width;
     int m_height;
-    int m_stride;
     PixelFormat m_format;
+};
+
+// Pixels in memory that stay the caller's.
+class GpMemoryBitmap : public GpBitmap {
+public:
+    GpMemoryBitmap(int width, int height, int stride, PixelFormat format, const std::uint8_t* scan0)
+        : GpBitmap(width, height, format)
+        , m_stride(stride)
+        , m_scan0(scan0) {}
+
+    int Stride() const { return m_stride; } // bytes, at least Width() * 4
+
+    const std::uint8_t* Scan0() const { return m_scan0; } // the top row
+
+private:
+    int m_stride;
     const std::uint8_t* m_scan0;
 };
 
@@ -107,9 +116,10 @@ GpStatus GdipCreateBitmapFromScan0(int width, int height, int stride, PixelForma
                                    std::uint8_t* scan0, GpBitmap** bitmap);
 
 // Writes the image to the file `filename`, replacing a file there, whole or not at all.
-// InvalidParameter for a null argument (encoderParams must be null), UnknownImageFormat for another
-// encoder than PNG's, OutOfMemory, Win32Error when the file cannot be written, GenericError when
-// the picture cannot be encoded: libpng takes up to a million pixels a side.
+// InvalidParameter for a null argument (encoderParams must be null) and for a bitmap that is not
+// over memory, UnknownImageFormat for another encoder than PNG's, OutOfMemory, Win32Error when the
+// file cannot be written, GenericError when the picture cannot be encoded: libpng takes up to a
+// million pixels a side.
 GpStatus GdipSaveImageToFile(GpImage* image, const wchar_t* filename, const CLSID* clsidEncoder,
                              const EncoderParameters* encoderParams);
 

@@ -11,6 +11,8 @@ namespace {
 
 constexpr int TransparencyFlag = 1;
 constexpr int BlockHeader = 1; // giflib's blocks carry their length before them
+constexpr int DescriptorBytes = 9;
+constexpr int CodeSizeBytes = 1;
 
 WICColor Opaque(const GifColorType& colour) {
     return 0xFF000000U | static_cast<WICColor>(colour.Red) << 16 |
@@ -180,9 +182,12 @@ bool GifFile::ReadFrame(Reading& reading, GifFrameEntry& next) {
     next.top = static_cast<std::uint16_t>(image.Top);
     next.width = static_cast<std::uint16_t>(image.Width);
     next.height = static_cast<std::uint16_t>(image.Height);
+    const ColorMapObject* colours = image.ColorMap;
+    const int colourBytes = colours != nullptr ? colours->ColorCount * 3 : 0;
+    // Not from where giflib stands: whether it has read the code size by now is its own affair.
+    reading.Reader().MoveTo(next.offset + DescriptorBytes + colourBytes + CodeSizeBytes);
     m_frames.push_back(std::exchange(next, {}));
-    std::uint8_t codeSize = 0;
-    return reading.Reader().ReadByte(codeSize) && reading.SkipBlocks();
+    return reading.SkipBlocks();
 }
 
 std::array<WICColor, 256> GifFile::ColoursOf(const Reading& reading,

@@ -167,6 +167,13 @@ void Premultiply(PixelLayout layout, const std::uint8_t* from, std::size_t count
     }
 }
 
+void NarrowToBytes(const std::uint16_t* from, std::size_t count, std::uint8_t* to) {
+    // v * 255 / 65535 to the nearest, for every v.
+    std::transform(from, from + count, to, [](std::uint32_t value) {
+        return static_cast<std::uint8_t>((value * 255 + 32895) >> 16);
+    });
+}
+
 RowWriter::RowWriter(const PixelKind& kind, const Rendering& rendering)
     : m_rendering(rendering)
     , m_pack(PackOf(kind, rendering.format))

@@ -30,6 +30,9 @@ struct PixelKind {
 // Premultiplies whole pixels of a layout with alpha, to the nearest, in place or not.
 void Premultiply(PixelLayout layout, const std::uint8_t* from, std::size_t count, std::uint8_t* to);
 
+// Values of 16 bits as the nearest ones of 8.
+void NarrowToBytes(const std::uint16_t* from, std::size_t count, std::uint8_t* to);
+
 // Takes the rows of a picture from the top and writes them into the rows of a rendering.
 //
 // Colours are multiplied by alpha to the nearest, ties up; a premultiplied colour that a scaler

@@ -13,7 +13,8 @@ namespace wic {
 // No still picture of more pixels is decoded: one of 16384 by 16384 just is.
 inline constexpr std::uint64_t MaxPicturePixels = std::uint64_t{1} << 28;
 
-// The same for what has to be held whole while it is decoded: progressive JPEG, interlaced PNG.
+// The same for what has to be held whole while it is decoded: progressive JPEG, interlaced PNG, WebP,
+// HEIF.
 inline constexpr std::uint64_t MaxProgressivePixels = std::uint64_t{1} << 27;
 
 // No surface and no frame of a GIF is larger: one of 7680 by 4320 just is, and takes 128 MiB.

@@ -8,13 +8,16 @@ namespace wic {
 namespace {
 
 constexpr std::uint16_t BitsPerSample = 258;
+constexpr std::uint16_t Compression = 259;
 constexpr std::uint16_t Photometric = 262;
 constexpr std::uint16_t SamplesPerPixel = 277;
 constexpr std::uint16_t ExtraSamples = 338;
 
 constexpr std::uint16_t Short = 3;
 constexpr std::uint16_t PhotometricRgb = 2;
+constexpr std::uint16_t PhotometricYcbcr = 6;
 constexpr std::uint16_t AssociatedAlpha = 1;
+constexpr std::uint16_t CompressionJpeg = 7;
 
 constexpr int MaxEntries = 512; // far more than there are tags
 
@@ -52,26 +55,49 @@ std::uint32_t FirstShort(const Numbers& numbers, std::int64_t entry) {
 
 } // namespace
 
-bool IsPremultipliedRgba(const InputFile& file) {
+TiffTags ReadTiffTags(const InputFile& file) {
+    TiffTags tags;
     char order = 0;
     file.ReadAt(0, &order, 1);
     const Numbers numbers(file, order == 'M');
     if (numbers.Read(2, 2) != 42) {
-        return false;
+        return tags;
     }
     const std::int64_t directory = numbers.Read(4, 4);
     const int entries = std::min(static_cast<int>(numbers.Read(directory, 2)), MaxEntries);
-    int matches = 0;
     for (int i = 0; i < entries; ++i) {
         constexpr int entryBytes = 12;
         const std::int64_t entry = directory + 2 + std::int64_t{i} * entryBytes;
-        const std::uint32_t tag = numbers.Read(entry, 2);
-        matches += (tag == BitsPerSample && FirstShort(numbers, entry) == 8) ||
-                   (tag == Photometric && FirstShort(numbers, entry) == PhotometricRgb) ||
-                   (tag == SamplesPerPixel && FirstShort(numbers, entry) == 4) ||
-                   (tag == ExtraSamples && FirstShort(numbers, entry) == AssociatedAlpha);
+        switch (numbers.Read(entry, 2)) {
+        case BitsPerSample:
+            tags.bitsPerSample = FirstShort(numbers, entry);
+            break;
+        case Compression:
+            tags.compression = FirstShort(numbers, entry);
+            break;
+        case Photometric:
+            tags.photometric = FirstShort(numbers, entry);
+            break;
+        case SamplesPerPixel:
+            tags.samplesPerPixel = FirstShort(numbers, entry);
+            break;
+        case ExtraSamples:
+            tags.extraSamples = FirstShort(numbers, entry);
+            break;
+        default:
+            break;
+        }
     }
-    return matches == 4;
+    return tags;
+}
+
+bool IsPremultipliedRgba(const TiffTags& tags) {
+    return tags.bitsPerSample == 8 && tags.photometric == PhotometricRgb &&
+           tags.samplesPerPixel == 4 && tags.extraSamples == AssociatedAlpha;
+}
+
+bool IsYcbcrThatStaysSo(const TiffTags& tags) {
+    return tags.photometric == PhotometricYcbcr && tags.compression != CompressionJpeg;
 }
 
 } // namespace wic

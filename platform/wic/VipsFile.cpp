@@ -68,6 +68,8 @@ constexpr std::array<std::string_view, 5> AllowedLoaders = {
     "VipsForeignLoadWebpSource", "VipsForeignLoadHeifSource"};
 constexpr std::string_view JpegLoader = AllowedLoaders[0];
 constexpr std::string_view TiffLoader = AllowedLoaders[2];
+constexpr std::string_view WebpLoader = AllowedLoaders[3];
+constexpr std::string_view HeifLoader = AllowedLoaders[4];
 
 std::string LoaderOf(const std::shared_ptr<const InputFile>& file) {
     const VipsSourcePtr source = SourceOf(file);
@@ -90,6 +92,12 @@ int IntegerOf(const VipsImagePtr& image, const char* name) {
 
 bool IsSixteenBits(const VipsImagePtr& image) {
     return image->BandFmt == VIPS_FORMAT_USHORT || image->BandFmt == VIPS_FORMAT_SHORT;
+}
+
+// Whether the picture is decoded as a whole before its first row is there.
+bool IsHeldWhole(std::string_view loader, const VipsImagePtr& image) {
+    return loader == WebpLoader || loader == HeifLoader ||
+           vips_image_get_typeof(image.get(), "interlaced") != 0;
 }
 
 WICPixelFormatGUID IndexedFormat(int bits) {
@@ -157,12 +165,15 @@ HRESULT VipsFile::ReadHeader() {
     }
     const std::uint64_t pixels =
         static_cast<std::uint64_t>(image->Xsize) * static_cast<std::uint64_t>(image->Ysize);
-    const bool progressive = vips_image_get_typeof(image.get(), "interlaced") != 0;
-    if (pixels > (progressive ? MaxProgressivePixels : MaxPicturePixels)) {
+    if (pixels > (IsHeldWhole(loader, image) ? MaxProgressivePixels : MaxPicturePixels)) {
         return WINCODEC_ERR_IMAGESIZEOUTOFRANGE;
     }
     m_isJpeg = loader == JpegLoader;
-    const bool premultiplied = loader == TiffLoader && IsPremultipliedRgba(*m_file);
+    const TiffTags tags = loader == TiffLoader ? ReadTiffTags(*m_file) : TiffTags();
+    if (IsYcbcrThatStaysSo(tags)) {
+        return WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT;
+    }
+    const bool premultiplied = IsPremultipliedRgba(tags);
     m_shape = {static_cast<UINT>(image->Xsize), static_cast<UINT>(image->Ysize),
                premultiplied ? GUID_WICPixelFormat32bppPBGRA : FormatOf(image), DpiOf(image->Xres),
                DpiOf(image->Yres)};

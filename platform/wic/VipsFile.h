@@ -15,7 +15,8 @@ class VipsFile {
 public:
     // Reads the header. Null, with why in `result`, where no hardened loader knows the bytes
     // (WINCODEC_ERR_COMPONENTNOTFOUND), the header makes no sense (WINCODEC_ERR_BADIMAGE) or
-    // promises more pixels than are ever decoded (WINCODEC_ERR_IMAGESIZEOUTOFRANGE).
+    // promises more pixels than are ever decoded (WINCODEC_ERR_IMAGESIZEOUTOFRANGE), or pixels
+    // are of a kind that nobody converts (WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT).
     static std::shared_ptr<VipsFile> Open(std::shared_ptr<const InputFile> file, HRESULT& result);
 
     const PictureShape& Shape() const { return m_shape; }

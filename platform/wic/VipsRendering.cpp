@@ -28,16 +28,69 @@ VipsImagePtr ToSrgb(const VipsImagePtr& image) {
     });
 }
 
-// Whole numbers give their upper byte, which is their value to within one.
+VipsImagePtr WithFormat(const VipsImagePtr& image, VipsBandFormat format) {
+    return Step(image, [&](VipsImage* in, VipsImage** out) {
+        return vips_copy(in, out, "format", format, nullptr);
+    });
+}
+
+// Makes the rows of a region from those of its input: row(from, pixels, to).
+template <typename Row>
+int GenerateRows(VipsRegion* out, void* sequence, const Row& row) {
+    auto* in = static_cast<VipsRegion*>(sequence);
+    const VipsRect& area = out->valid;
+    if (vips_region_prepare(in, &area) != 0) {
+        return -1;
+    }
+    for (int y = 0; y < area.height; ++y) {
+        row(VIPS_REGION_ADDR(in, area.left, area.top + y), static_cast<std::size_t>(area.width),
+            VIPS_REGION_ADDR(out, area.left, area.top + y));
+    }
+    return 0;
+}
+
+// A picture whose rows `generate` makes from those of `image`, in bytes.
+VipsImagePtr Generated(const VipsImagePtr& image, VipsGenerateFn generate) {
+    VipsImagePtr out(vips_image_new());
+    if (vips_image_pipelinev(out.get(), VIPS_DEMAND_STYLE_THINSTRIP, image.get(), nullptr) != 0) {
+        return nullptr;
+    }
+    out->BandFmt = VIPS_FORMAT_UCHAR;
+    if (vips_image_generate(out.get(), vips_start_one, generate, vips_stop_one, image.get(),
+                            nullptr) != 0) {
+        return nullptr;
+    }
+    // The output lives no longer than its input: it holds a reference on it.
+    g_object_ref(image.get());
+    vips_object_local(out.get(), image.get());
+    return out;
+}
+
+int NarrowRegion(VipsRegion* out, void* sequence, void*, void*, gboolean*) {
+    const auto bands = static_cast<std::size_t>(out->im->Bands);
+    return GenerateRows(out, sequence, [&](const VipsPel* from, std::size_t width, VipsPel* to) {
+        NarrowToBytes(reinterpret_cast<const std::uint16_t*>(from), width * bands, to);
+    });
+}
+
+// Of 16 bits the nearest shade of 8; of 32 the upper byte. A sign is none: decoders of pictures
+// take the bits as they are.
 VipsImagePtr ToBytes(const VipsImagePtr& image) {
     if (!image) {
         return nullptr;
     }
-    const bool shift =
-        vips_band_format_isint(image->BandFmt) != 0 && image->BandFmt != VIPS_FORMAT_CHAR;
-    return Step(image, [&](VipsImage* in, VipsImage** out) {
-        return vips_cast(in, out, VIPS_FORMAT_UCHAR, "shift", shift ? TRUE : FALSE, nullptr);
-    });
+    switch (image->BandFmt) {
+    case VIPS_FORMAT_CHAR:
+        return WithFormat(image, VIPS_FORMAT_UCHAR);
+    case VIPS_FORMAT_SHORT:
+    case VIPS_FORMAT_USHORT:
+        return Generated(image, NarrowRegion);
+    default:
+        return Step(image, [&](VipsImage* in, VipsImage** out) {
+            const gboolean shift = vips_band_format_isint(in->BandFmt);
+            return vips_cast(in, out, VIPS_FORMAT_UCHAR, "shift", shift, nullptr);
+        });
+    }
 }
 
 bool IsRgbOrGray(VipsInterpretation interpretation) {
@@ -100,31 +153,10 @@ std::optional<BytePicture> AsBytes(VipsImagePtr image) {
 }
 
 int PremultiplyRegion(VipsRegion* out, void* sequence, void*, void*, gboolean*) {
-    auto* in = static_cast<VipsRegion*>(sequence);
-    const VipsRect& area = out->valid;
-    if (vips_region_prepare(in, &area) != 0) {
-        return -1;
-    }
     const PixelLayout layout = out->im->Bands == 2 ? PixelLayout::GrayAlpha : PixelLayout::Rgba;
-    for (int y = 0; y < area.height; ++y) {
-        Premultiply(layout, VIPS_REGION_ADDR(in, area.left, area.top + y),
-                    static_cast<std::size_t>(area.width),
-                    VIPS_REGION_ADDR(out, area.left, area.top + y));
-    }
-    return 0;
-}
-
-VipsImagePtr Premultiplied(const VipsImagePtr& image) {
-    VipsImagePtr out(vips_image_new());
-    // The output lives no longer than its input: it holds a reference on it.
-    if (vips_image_pipelinev(out.get(), VIPS_DEMAND_STYLE_THINSTRIP, image.get(), nullptr) != 0 ||
-        vips_image_generate(out.get(), vips_start_one, PremultiplyRegion, vips_stop_one,
-                            image.get(), nullptr) != 0) {
-        return nullptr;
-    }
-    g_object_ref(image.get());
-    vips_object_local(out.get(), image.get());
-    return out;
+    return GenerateRows(out, sequence, [&](const VipsPel* from, std::size_t width, VipsPel* to) {
+        Premultiply(layout, from, width, to);
+    });
 }
 
 VipsImagePtr Resized(const VipsImagePtr& image, UINT width, UINT height) {
@@ -159,7 +191,7 @@ HRESULT RenderVips(VipsImagePtr image, PixelKind kind, const Rendering& renderin
     if (!fits()) {
         // What cannot be seen must not bleed into what can.
         if (HasAlpha(kind.layout) && !kind.premultiplied) {
-            image = Premultiplied(image);
+            image = Generated(image, PremultiplyRegion);
             kind.premultiplied = true;
         }
         image = image ? Resized(image, rendering.width, rendering.height) : nullptr;

@@ -11,6 +11,8 @@ PngPicture ReadPng(const std::string& path) {
         throw std::runtime_error(path + ": " + image.message);
     }
     image.format = PNG_FORMAT_BGRA;
+    // Without it libpng takes 16 bits a channel for light, not for colours as they are shown.
+    image.flags |= PNG_IMAGE_FLAG_16BIT_sRGB;
     PngPicture picture{static_cast<int>(image.width), static_cast<int>(image.height), {}};
     picture.bits.resize(PNG_IMAGE_SIZE(image));
     if (png_image_finish_read(&image, nullptr, picture.bits.data(), 0, nullptr) == 0) {

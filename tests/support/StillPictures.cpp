@@ -7,6 +7,7 @@
 #include <memory>
 #include <sstream>
 #include <stdexcept>
+#include <string_view>
 
 namespace {
 
@@ -45,13 +46,19 @@ std::string Entry(std::uint32_t tag, std::uint32_t type, std::uint32_t count, st
     return Little(tag, 2) + Little(type, 2) + Little(count, 4) + Little(value, 4);
 }
 
-} // namespace
+// Of an animated PNG file, ffmpeg would show the first frame and not the picture.
+std::string Demuxer(const std::string& path) {
+    return path.ends_with(".png") ? "-f png_pipe " : "";
+}
 
-std::optional<BgraPicture> FfmpegPicture(const std::string& path) {
+// What ffmpeg prints of the picture as PAM: bytes, or values of two bytes, rounded to the nearest
+// byte here.
+std::optional<BgraPicture> PamPicture(const std::string& path, bool isDeep) {
     const std::string pam =
-        OutputOf("ffmpeg -nostdin -v quiet -noautorotate -i " + Quoted(path) +
+        OutputOf("ffmpeg -nostdin -v quiet -noautorotate " + Demuxer(path) + "-i " + Quoted(path) +
                  " -frames:v 1 -sws_flags accurate_rnd+full_chroma_int+full_chroma_inp+bitexact"
-                 " -f image2pipe -c:v pam -pix_fmt rgba -");
+                 " -f image2pipe -c:v pam -pix_fmt " +
+                 (isDeep ? "rgba64be" : "rgba") + " -");
     const std::size_t end = pam.find("ENDHDR\n");
     if (end == std::string::npos) {
         return std::nullopt;
@@ -65,14 +72,45 @@ std::optional<BgraPicture> FfmpegPicture(const std::string& path) {
             header >> picture.height;
         }
     }
-    const std::string pixels = pam.substr(end + 7);
-    picture.bits.assign(pixels.begin(), pixels.end());
+    const std::string_view pixels = std::string_view(pam).substr(end + 7);
     picture.bits.resize(static_cast<std::size_t>(picture.width) *
                         static_cast<std::size_t>(picture.height) * 4);
+    const auto byte = [&](std::size_t at) -> unsigned int {
+        return at < pixels.size() ? static_cast<unsigned char>(pixels[at]) : 0U;
+    };
+    for (std::size_t i = 0; i < picture.bits.size(); ++i) {
+        const unsigned int value =
+            isDeep ? ((byte(i * 2) << 8 | byte(i * 2 + 1)) + 128) / 257 : byte(i);
+        picture.bits[i] = static_cast<std::uint8_t>(value);
+    }
     for (std::size_t i = 0; i < picture.bits.size(); i += 4) {
         std::swap(picture.bits[i], picture.bits[i + 2]);
     }
     return picture;
+}
+
+} // namespace
+
+std::optional<BgraPicture> FfmpegPicture(const std::string& path) {
+    return PamPicture(path, false);
+}
+
+std::optional<BgraPicture> DeepFfmpegPicture(const std::string& path) {
+    return PamPicture(path, true);
+}
+
+std::vector<BgraPicture> FfmpegPictures(const std::string& path, int width, int height, int most) {
+    const std::string pixels =
+        OutputOf("ffmpeg -nostdin -v quiet -i " + Quoted(path) + " -vsync passthrough -frames:v " +
+                 std::to_string(most) + " -f rawvideo -pix_fmt bgra -");
+    const std::size_t bytes =
+        static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4;
+    std::vector<BgraPicture> pictures;
+    for (std::size_t at = 0; bytes > 0 && at + bytes <= pixels.size(); at += bytes) {
+        const auto start = pixels.begin() + static_cast<std::ptrdiff_t>(at);
+        pictures.push_back({width, height, {start, start + static_cast<std::ptrdiff_t>(bytes)}});
+    }
+    return pictures;
 }
 
 BgraPicture PictureOf(const Zanthe::Bitmap& bitmap) {

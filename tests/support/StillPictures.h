@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tests/support/BgraPicture.h"
 #include "zanthe/core/Bitmap.h"
@@ -11,6 +12,14 @@
 // The first picture of the file as the ffmpeg program shows it, not turned, not premultiplied;
 // empty where it shows none. Throws std::runtime_error when the program cannot be run.
 std::optional<BgraPicture> FfmpegPicture(const std::string& path);
+
+// The same of a picture with 16 bits a value, which the program itself does not round when it makes
+// bytes of them.
+std::optional<BgraPicture> DeepFfmpegPicture(const std::string& path);
+
+// The first pictures of the film in the file as the ffmpeg program shows them, up to `most`; it is
+// of this size. Not premultiplied.
+std::vector<BgraPicture> FfmpegPictures(const std::string& path, int width, int height, int most);
 
 BgraPicture PictureOf(const Zanthe::Bitmap& bitmap);
 

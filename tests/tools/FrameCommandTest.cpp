@@ -130,10 +130,32 @@ TEST(WriteFrames, AllFilesOrNone) {
         WriteFrames(video, request, out);
         FAIL() << "there is no picture at 3 s";
     } catch (const CommandError& error) {
-        EXPECT_STREQ(error.what(), "clip.mp4: has no picture at 3 s");
+        EXPECT_STREQ(error.what(),
+                     "clip.mp4: has no picture at 3 s: its last picture ends at 0:00:03.000");
     }
     EXPECT_EQ(out.str(), "");
     EXPECT_EQ(FilesIn(folder.Path()), 0);
+}
+
+TEST(WriteFrames, ARefusedTimeIsEchoedAsItWasTyped) {
+    ScriptedVideo video = Video();
+    video.facts.duration = 25'000'000;
+    const auto refusal = [&](const char* typed) -> std::string {
+        FrameRequest request = Request({MediaTime(59, 20)});
+        request.typed = {typed};
+        request.png = "-";
+        std::ostringstream out;
+        try {
+            WriteFrames(video, request, out);
+            return "written";
+        } catch (const CommandError& error) {
+            return error.what();
+        }
+    };
+    const std::string end = ": the header's duration ends the stream at 0:00:02.500, 500 ms before "
+                            "its last picture's end: nothing is shown behind that";
+    EXPECT_EQ(refusal("2.95"), "clip.mp4: has no picture at 2.95 s" + end);
+    EXPECT_EQ(refusal("0:00:02.95"), "clip.mp4: has no picture at 0:00:02.95" + end);
 }
 
 TEST(WriteFrames, TheInputIsNoOutput) {

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -180,6 +182,51 @@ TEST(ProgramAudio, RefusesAKindOfFileThatHasNoReader) {
         ExpectRefused({in}, in + ": no reader for its sound: "
                                  "Failed to create MediaFoundation resource");
     }
+}
+
+namespace {
+
+std::uint32_t RateIn(const std::string& wav) {
+    std::uint32_t rate = 0;
+    std::memcpy(&rate, ReadWholeFile(wav).data() + 24, sizeof(rate));
+    return rate;
+}
+
+} // namespace
+
+TEST(ProgramAudio, ReadsEveryKindOfFileThatMediaFoundationTakes) {
+    TemporaryFolder folder;
+    for (const char* name : {"aac-44100.m4a", "aac-film.m2ts", "aac-film.mov", "aac-film.mp4",
+                             "ac3-film.mts", "pcm-44100.wav", "wma2-44100.wma", "wma2-film.wmv"}) {
+        for (const char* rate : {"44100", "16001"}) {
+            const std::string out = folder / "out.wav";
+            const ProgramEnd end =
+                RunProgram({"audio", MadeMedia(std::string("sound/") + name), "--start", "1000",
+                            "--frames", "5000", "--rate", rate, "-o", out});
+            EXPECT_EQ(end.status, 0) << end.err;
+            EXPECT_EQ(std::to_string(RateIn(out)), rate) << name;
+            EXPECT_EQ(fs::file_size(out), 44U + 5000 * 4) << name;
+        }
+    }
+}
+
+TEST(ProgramAudio, ACopyOfTheTrackGivesTheSameSoundAndGoes) {
+    TemporaryFolder folder;
+    TemporaryFolder copies;
+    const std::string film = MadeMedia("sound/aac-film.mp4");
+    setenv("TMPDIR", copies.Path().c_str(), 1);
+    copies.Write("recontainer31132011991-deadbeef.m4a", "what a killed run left");
+    RunProgram({"audio", film, "-o", folder / "direct.wav"});
+    EXPECT_EQ(FilesIn(copies.Path()), 1);
+    const ProgramEnd end =
+        RunProgram({"audio", film, "--recontainer", "-o", folder / "copied.wav"});
+    EXPECT_EQ(end.status, 0) << end.err;
+    EXPECT_EQ(ReadWholeFile(folder / "copied.wav"), ReadWholeFile(folder / "direct.wav"));
+    EXPECT_EQ(FilesIn(copies.Path()), 0);
+    const std::string damaged = folder.Write("a.mp4", ReadWholeFile(film).substr(0, 5000));
+    EXPECT_EQ(RunProgram({"audio", damaged, "--recontainer", "-o", folder / "no.wav"}).status, 1);
+    EXPECT_EQ(FilesIn(copies.Path()), 0);
+    unsetenv("TMPDIR");
 }
 
 TEST(ProgramAudio, RefusesARecordingWithoutSound) {

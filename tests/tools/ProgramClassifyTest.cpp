@@ -47,7 +47,7 @@ TEST(ProgramClassify, TellsEveryAnswerInColumns) {
           "\n  audio           Media Foundation  Media Foundation\n",
           "\n  video samples   Media Foundation  DirectShow\n",
           "\n  detection       Media Foundation  DirectShow\n",
-          "\naudio route       Media Foundation (not in this build)\n", "\nMP4               yes\n",
+          "\naudio route       Media Foundation\n", "\nMP4               yes\n",
           "\n  track 1         video avc1 \"H.264 ( QuickTime )\", size before turning 64x48, "
           "coded "
           "64x48, pixel aspect 1:1, matrix [0 -1; 1 0]\n",

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -59,8 +60,10 @@ void ProgramRun::Signal(int signal) const {
 
 int ProgramRun::Wait() {
     int status = 0;
-    waitpid(m_process, &status, 0);
+    rusage used{};
+    wait4(m_process, &status, 0, &used);
     m_process = -1;
+    m_peakKibibytes = used.ru_maxrss;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 

@@ -24,12 +24,16 @@ public:
     // Waits for its end: the exit status, or minus the signal that killed it.
     int Wait();
 
+    // The most memory that it held, after Wait.
+    long PeakKibibytes() const { return m_peakKibibytes; }
+
     std::string Out() const;
     std::string Err() const;
 
 private:
     TemporaryFolder m_folder;
     pid_t m_process = -1;
+    long m_peakKibibytes = 0;
 };
 
 struct ProgramEnd {

@@ -89,7 +89,8 @@ TEST(ProgramFrame, ATimeWithoutAPictureLeavesNoFile) {
     const ProgramEnd end =
         RunProgram({"frame", Clip(), "--at", "0,3600", "-o", folder / "out.png"});
     EXPECT_EQ(end.status, 1);
-    EXPECT_EQ(end.err, "zanthe: " + Clip() + ": has no picture at 3600 s\n");
+    EXPECT_EQ(end.err, "zanthe: " + Clip() +
+                           ": has no picture at 3600 s: its last picture ends at 0:00:00.400\n");
     EXPECT_EQ(FilesIn(folder.Path()), 0);
 }
 

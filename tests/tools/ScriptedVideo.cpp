@@ -87,7 +87,7 @@ std::optional<Picture> ScriptedVideo::Honest(const Zanthe::MediaTime& time) cons
 std::optional<std::size_t> ScriptedVideo::IndexAt(std::int64_t units) const {
     // A sample ends a unit before the next one starts, and covers the unit before its own start.
     const std::int64_t lead = facts.tellsTimes ? 1 : 0;
-    if (starts.empty() || units >= end - lead) {
+    if (starts.empty() || units >= end - lead || units > facts.duration.value_or(units)) {
         return std::nullopt;
     }
     const auto behind = std::upper_bound(starts.begin(), starts.end(), units + lead);

@@ -20,8 +20,8 @@ public:
     using Script = std::function<std::optional<Program::Picture>(std::size_t index,
                                                                  const Zanthe::MediaTime& time)>;
 
-    // Pictures that start at `starts` (100 ns, rising, the first at 0) and end at `end`. A video
-    // that does not tell times is asked at the times themselves.
+    // Pictures that start at `starts` (100 ns, rising, the first at 0) and end at `end`, or where
+    // facts.duration says. A video that does not tell times is asked at the times themselves.
     ScriptedVideo(std::vector<std::int64_t> starts, std::int64_t end, bool tellsTimes = true);
 
     const Program::VideoFacts& Facts() const override { return facts; }

@@ -7,6 +7,7 @@
 
 #include "tests/support/PngPicture.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ScriptedSound.h"
 #include "tests/tools/ScriptedVideo.h"
 #include "tools/zanthe/CommandError.h"
 #include "tools/zanthe/SheetLayout.h"
@@ -54,7 +55,7 @@ TEST(WriteSheet, EveryCellHasItsPictureAndItsTime) {
     video.facts.duration = 20'000'000;
     const SheetRequest request = Request(folder);
     std::ostringstream out;
-    WriteSheet(video, request, out);
+    WriteSheet(video, nullptr, request, out);
     const PngPicture sheet = ReadPng(request.output);
     const SheetLayout layout = Program::LayOutSheet({16, 8}, 2, 2);
     EXPECT_EQ(sheet.width, layout.sheet.width);
@@ -78,7 +79,7 @@ TEST(WriteSheet, TheCellsHaveTheShapeThatIsShown) {
     video.facts.aspectNumerator = 10;
     const SheetRequest request = Request(folder);
     std::ostringstream out;
-    WriteSheet(video, request, out);
+    WriteSheet(video, nullptr, request, out);
     EXPECT_EQ(ReadPng(request.output).height, Program::LayOutSheet({8, 160}, 2, 2).sheet.height);
 }
 
@@ -88,7 +89,7 @@ TEST(WriteSheet, AVideoWithoutADurationIsMeasured) {
     SheetRequest request = Request(folder);
     request.json = true;
     std::ostringstream out;
-    WriteSheet(video, request, out);
+    WriteSheet(video, nullptr, request, out);
     const auto json = nlohmann::json::parse(out.str());
     EXPECT_EQ(json["pictures"].size(), 4U);
     EXPECT_NEAR(json["pictures"][3]["asked_100ns"].get<double>(), 8'750'000, 100'000);
@@ -99,6 +100,46 @@ TEST(WriteSheet, AVideoWithoutPicturesIsRefused) {
     TemporaryFolder folder;
     ScriptedVideo video({}, 0);
     std::ostringstream out;
-    EXPECT_THROW(WriteSheet(video, Request(folder), out), Program::CommandError);
+    EXPECT_THROW(WriteSheet(video, nullptr, Request(folder), out), Program::CommandError);
     EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
+}
+
+TEST(WriteSheet, SoundIsAStripBelowThePictures) {
+    TemporaryFolder folder;
+    ScriptedVideo video({0}, 20'000'000);
+    video.facts.duration = 20'000'000;
+    ScriptedSound sound(2 * Program::SheetSoundRate);
+    for (std::size_t i = 0; i < sound.planes[0].size(); ++i) { // silent, and then as loud as can be
+        const bool loud = i > sound.planes[0].size() / 2;
+        sound.planes[0][i] = loud ? (i % 2 == 0 ? 1.0F : -1.0F) : 0.0F;
+        sound.planes[1][i] = 0.0F;
+    }
+    SheetRequest request = Request(folder);
+    std::ostringstream out;
+    WriteSheet(video, &sound, request, out);
+    const PngPicture sheet = ReadPng(request.output);
+    const SheetLayout layout = Program::LayOutSheet({16, 8}, 2, 2, 64);
+    EXPECT_EQ(sheet.height, layout.sheet.height);
+    const Program::Rect& strip = layout.strip;
+    const int top = strip.y + 2;
+    const int middle = strip.y + strip.height / 2;
+    const int early = strip.x + strip.width / 4;
+    const int late = strip.x + strip.width * 3 / 4;
+    EXPECT_EQ(BlueAt(sheet, early, top), BlueAt(sheet, strip.x, strip.y));
+    EXPECT_NE(BlueAt(sheet, early, middle), BlueAt(sheet, early, top));
+    EXPECT_EQ(BlueAt(sheet, late, top), BlueAt(sheet, late, middle));
+    EXPECT_NE(BlueAt(sheet, late, top), BlueAt(sheet, early, top));
+    EXPECT_NE(out.str().find(", with sound\n"), std::string::npos);
+}
+
+TEST(WriteSheet, AnEmptySoundHasNoStrip) {
+    TemporaryFolder folder;
+    ScriptedVideo video({0}, 20'000'000);
+    ScriptedSound sound(0);
+    SheetRequest request = Request(folder);
+    request.json = true;
+    std::ostringstream out;
+    WriteSheet(video, &sound, request, out);
+    EXPECT_EQ(ReadPng(request.output).height, Program::LayOutSheet({16, 8}, 2, 2).sheet.height);
+    EXPECT_EQ(nlohmann::json::parse(out.str())["sound"], false);
 }

@@ -105,3 +105,20 @@ TEST(ReadSound, ASignalEndsItBetweenTwoSpans) {
     EXPECT_EQ(taken.left.size(), 2000U);
     std::signal(SIGTERM, SIG_DFL);
 }
+
+TEST(FindSoundEnd, FindsItForAnyLength) {
+    for (const std::int64_t frames : {0, 1, 2, 999, 1000, 1001, 65'536, 123'457}) {
+        ScriptedSound sound(frames);
+        EXPECT_EQ(Program::FindSoundEnd(sound, 1000), frames);
+        EXPECT_LT(sound.reads.size(), 60U);
+    }
+}
+
+TEST(FindSoundEnd, ASoundWithoutEndIsGivenUp) {
+    ScriptedSound sound(0);
+    sound.script = [](std::size_t, const ScriptedSound::Read& read, std::vector<float*>&) {
+        return read.count;
+    };
+    EXPECT_GT(Program::FindSoundEnd(sound, 1000), std::int64_t{1} << 39);
+    EXPECT_LT(sound.reads.size(), 100U);
+}

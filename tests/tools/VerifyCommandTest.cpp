@@ -31,22 +31,26 @@ boost::shared_ptr<ScriptedSound> Sound() {
     return boost::make_shared<ScriptedSound>(100003);
 }
 
+Program::OpenedSound Opened() {
+    return {Sound(), 8000};
+}
+
 std::unique_ptr<ScriptedVideo> Video() {
     return std::make_unique<ScriptedVideo>(EvenStarts(100), 33'366'666);
 }
 
 VerifySources Both() {
-    return {.sound = Sound, .video = Video};
+    return {.sound = Opened, .video = Video};
 }
 
 VerifySources SoundAlone() {
-    return {.sound = Sound, .video = []() -> std::unique_ptr<Program::IVideo> {
+    return {.sound = Opened, .video = []() -> std::unique_ptr<Program::IVideo> {
                 throw CommandError("in.mp4", "no reader for its pictures: none");
             }};
 }
 
 VerifySources VideoAlone() {
-    return {.sound = []() -> boost::shared_ptr<Zanthe::IAudioReader> {
+    return {.sound = []() -> Program::OpenedSound {
                 throw CommandError("in.mp4", "no reader for its sound: none");
             },
             .video = Video};
@@ -105,12 +109,18 @@ TEST(Verify, OnlyWhatIsAskedForIsRead) {
 TEST(Verify, AFileWithNeitherIsRefused) {
     const VerifySources neither{.sound = SoundAlone().sound, .video = SoundAlone().video};
     VerifySources empty;
-    empty.sound = [] { return boost::make_shared<ScriptedSound>(0); };
+    empty.sound = [] { return Program::OpenedSound{boost::make_shared<ScriptedSound>(0), 8000}; };
     empty.video = [] { return std::make_unique<ScriptedVideo>(std::vector<std::int64_t>{}, 0); };
     EXPECT_EQ(RefusalOf(empty, Request()), "in.mp4: holds no sound; holds no pictures");
     empty.video = neither.video;
     EXPECT_EQ(RefusalOf(empty, Request()),
               "in.mp4: holds no sound; no reader for its pictures: none");
+}
+
+TEST(Verify, TheRateToldIsThatOfTheSound) {
+    VerifySources sources = SoundAlone();
+    sources.sound = [] { return Program::OpenedSound{Sound(), 44100}; };
+    EXPECT_THAT(Text(sources, Request()), HasSubstr(" at 44100 Hz, stereo; seed "));
 }
 
 TEST(Verify, ALyingSoundIsReportedAndRefused) {
@@ -121,7 +131,7 @@ TEST(Verify, ALyingSoundIsReportedAndRefused) {
         sound->script = [raw](std::size_t index, const auto& read, auto& channels) {
             return raw->Honest(read, channels) - (index == 5 ? 1 : 0);
         };
-        return sound;
+        return Program::OpenedSound{sound, 8000};
     };
     std::ostringstream out;
     try {

@@ -68,6 +68,45 @@ TEST(VideoVerifier, PicturesThatLookAlikeAreEqualStill) {
     EXPECT_TRUE(Verify(video).Equal());
 }
 
+TEST(VideoVerifier, NothingIsExpectedBehindTheDurationThatIsTold) {
+    for (const std::int64_t before : {2, 1000, 200'000, 333'664, 333'665, 333'666}) {
+        ScriptedVideo video(EvenStarts(100), End);
+        video.facts.duration = End - before;
+        const VideoVerification found = Verify(video);
+        EXPECT_TRUE(found.Equal())
+            << before << ": " << Program::FractionText(found.first->read.time);
+        EXPECT_EQ(found.pictures, 100);
+        EXPECT_EQ(found.duration, End - 1) << "is the last picture's own end";
+    }
+}
+
+TEST(VideoVerifier, FindsAPictureBehindTheDurationThatIsTold) {
+    ScriptedVideo video(EvenStarts(100), End);
+    video.facts.duration = End - 200'000;
+    // As a reader does that goes by its last picture.
+    video.script = [&](std::size_t, const Zanthe::MediaTime& time) {
+        const bool behind = Program::UnitsLookedFor(time) > End - 200'000;
+        return behind ? std::optional(video.PictureOf(99)) : video.Honest(time);
+    };
+    const VideoVerification found = Verify(video);
+    ASSERT_FALSE(found.Equal());
+    EXPECT_EQ(found.first->what, VideoDifference::What::Extra);
+    EXPECT_EQ(found.first->read.kind, VideoReadKind::BehindEnd);
+}
+
+TEST(VideoVerifier, FindsAMissingPictureAtTheDurationThatIsTold) {
+    ScriptedVideo video(EvenStarts(100), End);
+    video.facts.duration = EvenStarts(100)[99];
+    // As a reader does that takes its duration for the first time without a picture.
+    video.script = [&](std::size_t index, const Zanthe::MediaTime& time) {
+        const bool refused = index > 100 && Program::UnitsLookedFor(time) == *video.facts.duration;
+        return refused ? std::nullopt : video.Honest(time);
+    };
+    const VideoVerification found = Verify(video);
+    ASSERT_FALSE(found.Equal());
+    EXPECT_EQ(found.first->what, VideoDifference::What::Missing);
+}
+
 TEST(VideoVerifier, FindsAnotherPicture) {
     ScriptedVideo video(EvenStarts(100), End);
     VideoVerification found;

@@ -73,11 +73,14 @@ std::int64_t WriteSound(Zanthe::IAudioReader& reader, const AudioRequest& reques
     return frames;
 }
 
-void RunAudio(const AudioRequest& request, std::ostream& out) {
-    const auto reader = OpenAudio(request.file, request.track, request.rate);
+void RunAudio(const AudioRequest& asked, std::ostream& out) {
+    const OpenedSound sound = OpenAudio(
+        asked.file, {.track = asked.track, .rate = asked.rate, .recontainer = asked.recontainer});
+    AudioRequest request = asked;
+    request.rate = sound.rate;
     RequireOtherFile(request.file, request.output);
     OutputFile output(request.output);
-    const std::int64_t frames = WriteSound(*reader, request, output.TemporaryPath(),
+    const std::int64_t frames = WriteSound(*sound.reader, request, output.TemporaryPath(),
                                            Zanthe::WavWriter::MaxFrames(request.Format()));
     ThrowIfInterrupted();
     output.Commit();

@@ -8,6 +8,13 @@
 
 namespace Program {
 
+namespace {
+
+// No time, and none that a decoder leaves behind: what is still there it has not written.
+constexpr double Untold = -2.0;
+
+} // namespace
+
 DecoderVideo::DecoderVideo(std::unique_ptr<Zanthe::VideoDecoderToVideoSampleReader> reader,
                            const VideoFacts& facts)
     : m_reader(std::move(reader))
@@ -21,11 +28,14 @@ DecoderVideo::DecoderVideo(std::unique_ptr<Zanthe::VideoDecoderToVideoSampleRead
 }
 
 std::optional<Picture> DecoderVideo::At(const Zanthe::MediaTime& time) {
-    const double before = m_actualTime;
+    if (m_actualTime < 0.0) {
+        m_actualTime = Untold;
+    }
     const bool served =
         m_reader->internalVideoDecoder()->readFrame(time, m_bitmap->GetBits(), m_actualTime);
-    // Decoders of recordings always claim to have served, but then leave no time behind.
-    if (!served || (before >= 0 && m_actualTime < 0)) {
+    // The decoder of ".brec" recordings always claims to have served, and says by its time that it
+    // has not.
+    if (!served || (m_actualTime < 0.0 && m_actualTime != Untold)) {
         return std::nullopt;
     }
     Picture picture{.sample = std::make_unique<Zanthe::BitmapVideoSample>(m_bitmap)};

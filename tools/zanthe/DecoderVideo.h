@@ -28,7 +28,7 @@ private:
     std::unique_ptr<Zanthe::VideoDecoderToVideoSampleReader> m_reader;
     VideoFacts m_facts;
     std::shared_ptr<Zanthe::Bitmap> m_bitmap;
-    double m_actualTime = -1.0; // seconds, as the decoder left it; -1.0: it has told none
+    double m_actualTime = -1.0; // seconds, as the decoder left it; below 0: it has told none
 };
 
 } // namespace Program

@@ -11,6 +11,7 @@
 #include "tools/zanthe/OutputFile.h"
 #include "tools/zanthe/PictureFile.h"
 #include "tools/zanthe/TimeText.h"
+#include "tools/zanthe/VideoEnd.h"
 #include "tools/zanthe/VideoJson.h"
 #include "zanthe/analysis/FileClassification.h"
 
@@ -21,6 +22,7 @@ namespace {
 // What is told of a picture when it is written.
 struct Written {
     Zanthe::MediaTime asked;
+    std::string askedText;
     std::string output;
     Size size; // as written
     std::optional<std::int64_t> start;
@@ -31,16 +33,29 @@ struct Written {
     std::vector<std::string> operations;
 };
 
+// As the user wrote it, who may not know 2.95 again as 59/20. What has a colon is no plain seconds.
+std::string AskedText(const FrameRequest& request, std::size_t index) {
+    const std::string text =
+        index < request.typed.size() ? request.typed[index] : FractionText(request.times[index]);
+    return text.find(':') == std::string::npos ? text + " s" : text;
+}
+
+std::string RefusalText(IVideo& video, const FrameRequest& request, std::size_t index) {
+    const std::string end = DescribeEnd(video);
+    return "has no picture at " + AskedText(request, index) + (end.empty() ? "" : ": " + end);
+}
+
 BitmapPtr PixelsOf(const Picture& picture, const FrameRequest& request, const VideoFacts& facts) {
     const LockedPixels pixels(*picture.sample);
     return request.asStored ? AsStored(pixels, facts) : AsShown(pixels, facts);
 }
 
-Written WriteOne(IVideo& video, const FrameRequest& request, const Zanthe::MediaTime& time,
+Written WriteOne(IVideo& video, const FrameRequest& request, std::size_t index,
                  const OutputFile& file, const std::string& name) {
+    const Zanthe::MediaTime time = request.times[index];
     const std::optional<Picture> picture = video.At(time);
     if (!picture) {
-        throw CommandError(request.file, "has no picture at " + FractionText(time) + " s");
+        throw CommandError(request.file, RefusalText(video, request, index));
     }
     const BitmapPtr bitmap = PixelsOf(*picture, request, video.Facts());
     if (request.png.empty()) {
@@ -49,6 +64,7 @@ Written WriteOne(IVideo& video, const FrameRequest& request, const Zanthe::Media
         SavePng(*bitmap, file.TemporaryPath(), name);
     }
     return {.asked = time,
+            .askedText = AskedText(request, index),
             .output = name,
             .size = {bitmap->GetWidth(), bitmap->GetHeight()},
             .start = picture->start,
@@ -94,7 +110,7 @@ void PrintJson(const FrameRequest& request, const VideoFacts& facts,
 void PrintLine(const Written& written, std::ostream& out) {
     std::ostringstream line;
     line << written.output << ": " << written.size.width << " x " << written.size.height
-         << ", asked for " << FractionText(written.asked) << " s";
+         << ", asked for " << written.askedText;
     if (written.start) {
         line << ", shown from " << ClockText(*written.start);
     }
@@ -144,7 +160,7 @@ void WriteFrames(IVideo& video, const FrameRequest& request, std::ostream& out) 
         const std::string name = NumberedName(output, i, request.times.size());
         RequireOtherFile(Zanthe::ContainerPathOf(request.file), name);
         files.push_back(std::make_unique<OutputFile>(name));
-        written.push_back(WriteOne(video, request, request.times[i], *files.back(), name));
+        written.push_back(WriteOne(video, request, i, *files.back(), name));
     }
     ThrowIfInterrupted();
     for (const auto& file : files) {

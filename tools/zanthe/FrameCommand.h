@@ -14,6 +14,7 @@ namespace Program {
 struct FrameRequest {
     std::string file; // may name a member of a recording behind a "!"
     std::vector<Zanthe::MediaTime> times;
+    std::vector<std::string> typed; // the times as the user wrote them; empty: not known
     VideoChoice choice;
     std::string png; // the file to write; empty: `raw` is
     std::string raw; // pixels of 4 bytes, blue, green, red, alpha; rows without padding, top first

@@ -34,6 +34,9 @@ struct VideoFacts {
     bool tellsTimes = false;                   // every picture comes with its start and duration
     Alpha alpha = Alpha::None;
     std::string reader = {}; // what reads it, in a word or two
+
+    // What a person ought to know of how it is shown, one line each, without a full stop.
+    std::vector<std::string> remarks = {};
 };
 
 // Times are in 100 ns from the start of the video, and there where the reader tells them.

@@ -9,13 +9,23 @@
 
 namespace Program {
 
-// A reader over the sound of the file at `path`, 2 channels at `rate` Hz where the file's backend
-// converts to any rate, else at 44100 Hz. track: the number of the track in a recording, counted
-// from 0; -1 is as 0.
+struct AudioChoice {
+    int track = -1;   // of a recording, all its tracks counted from 0; -1: the first of sound
+    int rate = 44100; // Hz
+    bool recontainer = false; // AAC in MP4 by way of a copy of its track
+};
+
+struct OpenedSound {
+    boost::shared_ptr<Zanthe::IAudioReader> reader;
+    int rate = 0; // Hz, at which its frames come and are counted
+};
+
+// The sound of the file at `path`, 2 channels at the rate that was chosen where the file's backend
+// converts to any rate, else at the backend's own.
 //
 // Throws CommandError when the file cannot be read (see InputFile.h), "no reader for its sound: "
 // and the library's text when no backend can be made for this kind of file, or that text alone when
 // the file's reader refuses it.
-boost::shared_ptr<Zanthe::IAudioReader> OpenAudio(const std::string& path, int track, int rate);
+OpenedSound OpenAudio(const std::string& path, const AudioChoice& choice);
 
 } // namespace Program

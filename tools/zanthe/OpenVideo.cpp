@@ -52,8 +52,8 @@ Alpha AlphaOf(const FileClassification& file) {
 
 // What the file itself says of how its pictures are to be shown. The reader's own word, where it
 // has one, goes before this.
-VideoFacts FactsOf(const std::string& path, const VideoSampleReader& reader) {
-    const FileClassification file = Zanthe::ClassifyFile(path);
+VideoFacts FactsOf(const std::string& path, int stream, const VideoSampleReader& reader) {
+    const FileClassification file = Zanthe::ClassifyFile(path, stream);
     VideoFacts facts{.alpha = AlphaOf(file), .reader = file.videoRoute.backend};
     if (!file.orientation) {
         return facts;
@@ -84,7 +84,7 @@ std::unique_ptr<IVideo> OpenVideo(const std::string& path, const VideoChoice& ch
     RequireReadableFile(Zanthe::ContainerPathOf(path));
     std::unique_ptr<VideoSampleReader> reader = OpenReader(path, choice);
     try {
-        const VideoFacts facts = FactsOf(path, *reader);
+        const VideoFacts facts = FactsOf(path, choice.stream, *reader);
         return VideoOver(std::move(reader), facts);
     } catch (const std::exception& error) {
         Refuse(path, error.what());

@@ -9,6 +9,7 @@
 #include "tools/zanthe/DisplayPicture.h"
 #include "tools/zanthe/InputFile.h"
 #include "tools/zanthe/Interrupt.h"
+#include "tools/zanthe/OpenAudio.h"
 #include "tools/zanthe/OutputFile.h"
 #include "tools/zanthe/PictureFile.h"
 #include "tools/zanthe/Progress.h"
@@ -16,6 +17,7 @@
 #include "tools/zanthe/TimeText.h"
 #include "tools/zanthe/VideoJson.h"
 #include "tools/zanthe/VideoTimeline.h"
+#include "tools/zanthe/Waveform.h"
 #include "zanthe/analysis/FileClassification.h"
 
 namespace Program {
@@ -26,6 +28,8 @@ constexpr Colour Ground{0.11, 0.11, 0.12};
 constexpr Colour Empty{0.18, 0.18, 0.20};
 constexpr Colour Bright{0.93, 0.93, 0.93};
 constexpr Colour Dim{0.68, 0.68, 0.70};
+constexpr Colour Wave{0.45, 0.68, 0.92};
+constexpr int StripHeight = 64;     // pixels
 constexpr double TitleLetters = 16; // pixels
 constexpr double CaptionLetters = 13;
 
@@ -68,12 +72,43 @@ Json JsonOf(const SheetPicture& picture) {
             {"shown", picture.shown}};
 }
 
-void Print(const SheetRequest& request, const VideoFacts& facts, const SheetLayout& layout,
+// Where everything stands, and how the sound looks; no swings where there is none.
+struct Plan {
+    SheetLayout layout;
+    std::vector<Swing> swings;
+};
+
+Plan MakePlan(Size picture, std::int64_t duration, Zanthe::IAudioReader* sound,
+              const SheetRequest& request, Progress& progress) {
+    Plan plan{.layout = LayOutSheet(picture, request.columns, request.rows), .swings = {}};
+    if (sound != nullptr) {
+        const int columns = plan.layout.strip.width;
+        plan.swings = MeasureWaveform(*sound, SheetSoundRate, duration, columns, [&](int column) {
+            ThrowIfInterrupted();
+            progress.Show("sound " + std::to_string(100 * column / columns) + " %");
+        });
+    }
+    if (!plan.swings.empty()) {
+        plan.layout = LayOutSheet(picture, request.columns, request.rows, StripHeight);
+    }
+    return plan;
+}
+
+void DrawStrip(Canvas& canvas, const Plan& plan) {
+    if (!plan.swings.empty()) {
+        canvas.FillArea(plan.layout.strip, Empty);
+        DrawWaveform(canvas, plan.layout.strip, plan.swings, Wave);
+    }
+}
+
+void Print(const SheetRequest& request, const VideoFacts& facts, const Plan& plan,
            const std::vector<SheetPicture>& pictures, std::ostream& out) {
+    const SheetLayout& layout = plan.layout;
     if (!request.json) {
         out << OneLine(request.output) << ": " << layout.sheet.width << " x " << layout.sheet.height
             << ", " << pictures.size() << " pictures from " << ClockText(pictures.front().asked)
-            << " to " << ClockText(pictures.back().asked) << '\n';
+            << " to " << ClockText(pictures.back().asked)
+            << (plan.swings.empty() ? "" : ", with sound") << '\n';
         return;
     }
     Json cells = Json::array();
@@ -88,6 +123,7 @@ void Print(const SheetRequest& request, const VideoFacts& facts, const SheetLayo
                    {"width", layout.sheet.width},
                    {"height", layout.sheet.height},
                    {"pictures", std::move(cells)},
+                   {"sound", !plan.swings.empty()},
                    {"output", request.output}},
                   out);
 }
@@ -102,38 +138,53 @@ std::int64_t DurationOf(IVideo& video) {
 
 } // namespace
 
-void WriteSheet(IVideo& video, const SheetRequest& request, std::ostream& out) {
+void WriteSheet(IVideo& video, Zanthe::IAudioReader* sound, const SheetRequest& request,
+                std::ostream& out) {
     const VideoFacts& facts = video.Facts();
     const std::int64_t duration = DurationOf(video);
     if (duration <= 0 || facts.width <= 0 || facts.height <= 0) {
         throw CommandError(request.file, "holds no pictures");
     }
     OutputFile output(request.output);
-    const SheetLayout layout = LayOutSheet(DisplaySize(facts), request.columns, request.rows);
+    StandardProgress progress;
+    const Plan plan = MakePlan(DisplaySize(facts), duration, sound, request, progress);
+    const SheetLayout& layout = plan.layout;
     Canvas canvas(layout.sheet, Ground);
     canvas.DrawText(Drawable(TitleOf(request, facts, duration)), layout.title, Canvas::Align::Left,
                     TitleLetters, Bright);
     std::vector<SheetPicture> pictures;
     const std::vector<std::int64_t> times = SheetTimes(duration, layout.cells.size());
-    {
-        StandardProgress progress;
-        for (std::size_t i = 0; i < times.size(); ++i) {
-            ThrowIfInterrupted();
-            progress.Show("picture " + std::to_string(i + 1) + " of " +
-                          std::to_string(times.size()));
-            pictures.push_back(DrawCell(canvas, video, layout.cells[i], times[i]));
-        }
+    for (std::size_t i = 0; i < times.size(); ++i) {
+        ThrowIfInterrupted();
+        progress.Show("picture " + std::to_string(i + 1) + " of " + std::to_string(times.size()));
+        pictures.push_back(DrawCell(canvas, video, layout.cells[i], times[i]));
     }
+    progress.Wipe();
+    DrawStrip(canvas, plan);
     SavePng(*canvas.ToBitmap(), output.TemporaryPath(), request.output);
     ThrowIfInterrupted();
     output.Commit();
-    Print(request, facts, layout, pictures, ReportStream(request.output, out));
+    Print(request, facts, plan, pictures, ReportStream(request.output, out));
 }
+
+namespace {
+
+// Null where the file has none, or none that can be read: a sheet does without.
+boost::shared_ptr<Zanthe::IAudioReader> SoundOf(const std::string& file) {
+    try {
+        return OpenAudio(file, {.rate = SheetSoundRate}).reader;
+    } catch (const CommandError&) {
+        return nullptr;
+    }
+}
+
+} // namespace
 
 void RunSheet(const SheetRequest& request, std::ostream& out) {
     const std::unique_ptr<IVideo> video = OpenVideo(request.file, request.choice);
     RequireOtherFile(Zanthe::ContainerPathOf(request.file), request.output);
-    WriteSheet(*video, request, out);
+    const auto sound = SoundOf(request.file);
+    WriteSheet(*video, sound.get(), request, out);
 }
 
 } // namespace Program

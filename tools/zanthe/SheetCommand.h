@@ -1,4 +1,4 @@
-// zanthe sheet: a file's pictures at a glance.
+// zanthe sheet: a file's pictures, and its sound, at a glance.
 #pragma once
 
 #include <ostream>
@@ -6,6 +6,7 @@
 
 #include "tools/zanthe/IVideo.h"
 #include "tools/zanthe/OpenVideo.h"
+#include "zanthe/audio/IAudioReader.h"
 
 namespace Program {
 
@@ -24,7 +25,12 @@ struct SheetRequest {
 // library's text when reading fails, Interrupted. In each case the output is what it was before.
 void RunSheet(const SheetRequest& request, std::ostream& out);
 
-// The same over a video that is open.
-void WriteSheet(IVideo& video, const SheetRequest& request, std::ostream& out);
+// The same over a video that is open, and over its sound, which may be null: with sound a strip
+// below the pictures shows how loud it is over the video's time, from the left to the right.
+void WriteSheet(IVideo& video, Zanthe::IAudioReader* sound, const SheetRequest& request,
+                std::ostream& out);
+
+// Of the sound that WriteSheet takes, in Hz.
+inline constexpr int SheetSoundRate = 44100;
 
 } // namespace Program

@@ -34,4 +34,34 @@ std::int64_t ReadSound(Zanthe::IAudioReader& reader, std::int64_t start, std::in
     return done;
 }
 
+namespace {
+
+bool HasFrame(Zanthe::IAudioReader& reader, std::int64_t frame) {
+    ThrowIfInterrupted();
+    float left = 0;
+    float right = 0;
+    std::vector<float*> planes{&left, &right};
+    return reader.FillAudioBuffer(frame, 1, planes) > 0;
+}
+
+} // namespace
+
+std::int64_t FindSoundEnd(Zanthe::IAudioReader& reader, int rate) {
+    constexpr std::int64_t farthest = std::int64_t{1} << 40; // frames; no sound is this long
+    if (!HasFrame(reader, 0)) {
+        return 0;
+    }
+    std::int64_t last = 0;
+    std::int64_t behind = rate;
+    while (behind < farthest && HasFrame(reader, behind)) {
+        last = behind;
+        behind *= 2;
+    }
+    while (behind - last > 1) {
+        const std::int64_t middle = last + (behind - last) / 2;
+        (HasFrame(reader, middle) ? last : behind) = middle;
+    }
+    return behind;
+}
+
 } // namespace Program

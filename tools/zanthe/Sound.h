@@ -27,4 +27,8 @@ using TakeSpan = std::function<void(std::int64_t first, const float* left, const
 std::int64_t ReadSound(Zanthe::IAudioReader& reader, std::int64_t start, std::int64_t frames,
                        unsigned int spanFrames, const TakeSpan& take);
 
+// Where a sound ends, in frames, found with some fifty reads of one frame each; 0 where there is
+// none. Throws what the reader throws, and Interrupted.
+std::int64_t FindSoundEnd(Zanthe::IAudioReader& reader, int rate);
+
 } // namespace Program

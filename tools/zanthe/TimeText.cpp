@@ -150,11 +150,19 @@ MediaTime ParseTime(std::string_view text) {
 
 std::vector<MediaTime> ParseTimes(std::string_view text) {
     std::vector<MediaTime> times;
+    for (const std::string& part : SplitAtCommas(text)) {
+        times.push_back(ParseTime(part));
+    }
+    return times;
+}
+
+std::vector<std::string> SplitAtCommas(std::string_view text) {
+    std::vector<std::string> parts;
     for (;;) {
         const std::size_t comma = text.find(',');
-        times.push_back(ParseTime(text.substr(0, comma)));
+        parts.emplace_back(text.substr(0, comma));
         if (comma == std::string_view::npos) {
-            return times;
+            return parts;
         }
         text.remove_prefix(comma + 1);
     }

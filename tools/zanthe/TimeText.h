@@ -26,6 +26,9 @@ Zanthe::MediaTime ParseTime(std::string_view text);
 // The same of one or more times with commas between them.
 std::vector<Zanthe::MediaTime> ParseTimes(std::string_view text);
 
+// What stands between the commas, as it is.
+std::vector<std::string> SplitAtCommas(std::string_view text);
+
 // "1001/30000", "5".
 std::string FractionText(const Zanthe::MediaTime& time);
 

@@ -8,7 +8,6 @@
 #include "tools/zanthe/CommandError.h"
 #include "tools/zanthe/InputFile.h"
 #include "tools/zanthe/Interrupt.h"
-#include "tools/zanthe/OpenAudio.h"
 #include "tools/zanthe/Progress.h"
 #include "tools/zanthe/TimeText.h"
 #include "tools/zanthe/VerifyReport.h"
@@ -35,12 +34,12 @@ std::uint64_t RandomSeed() {
     return device();
 }
 
-std::string Where(const ReadSpan& span, const VerifyRequest& request) {
+std::string Where(const ReadSpan& span, const VerifyRequest& request, int rate) {
     std::string text(NameOf(span.kind));
     if (span.kind == ReadKind::Random) {
         return text + ": " + std::to_string(span.index) + " of " + std::to_string(request.seeks);
     }
-    return text + ": at " + Clock(span.start, request.rate);
+    return text + ": at " + Clock(span.start, rate);
 }
 
 std::string Where(const VideoRead& read) {
@@ -59,13 +58,14 @@ Part PartOf(const Report& report, std::int64_t reads, std::int64_t differences) 
 }
 
 Part VerifySound(const VerifySources& sources, const VerifyRequest& request, std::uint64_t seed) {
-    const auto reader = sources.sound();
-    VerifyReport report{.file = request.file, .rate = request.rate, .seed = seed, .audio = {}};
+    const OpenedSound sound = sources.sound();
+    VerifyReport report{.file = request.file, .rate = sound.rate, .seed = seed, .audio = {}};
     StandardProgress progress;
-    AudioVerifier verifier(*reader, {.rate = request.rate, .seeks = request.seeks, .seed = seed},
+    AudioVerifier verifier(*sound.reader,
+                           {.rate = sound.rate, .seeks = request.seeks, .seed = seed},
                            [&](const ReadSpan& span) {
                                ThrowIfInterrupted();
-                               progress.Show(Where(span, request));
+                               progress.Show(Where(span, request, sound.rate));
                            });
     report.audio = verifier.Run();
     if (report.audio.frames == 0 && report.audio.Equal()) {
@@ -156,7 +156,8 @@ void Verify(const VerifySources& sources, const VerifyRequest& request, std::ost
 
 void RunVerify(const VerifyRequest& request, std::ostream& out) {
     RequireReadableFile(Zanthe::ContainerPathOf(request.file));
-    Verify({.sound = [&] { return OpenAudio(request.file, -1, request.rate); },
+    const AudioChoice choice{.rate = request.rate, .recontainer = request.recontainer};
+    Verify({.sound = [&] { return OpenAudio(request.file, choice); },
             .video = [&] { return OpenVideo(request.file, request.choice); }},
            request, out);
 }

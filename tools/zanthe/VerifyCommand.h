@@ -8,11 +8,9 @@
 #include <ostream>
 #include <string>
 
-#include <boost/shared_ptr.hpp>
-
 #include "tools/zanthe/IVideo.h"
+#include "tools/zanthe/OpenAudio.h"
 #include "tools/zanthe/OpenVideo.h"
-#include "zanthe/audio/IAudioReader.h"
 
 namespace Program {
 
@@ -23,13 +21,14 @@ struct VerifyRequest {
     VideoChoice choice;
     std::int64_t seeks = 200;          // random reads, of each
     std::optional<std::uint64_t> seed; // none: another every time
-    int rate = 44100;                  // Hz
+    int rate = 44100;                  // Hz, of the sound, where its backend converts
+    bool recontainer = false;          // the sound by way of a copy of its track
     bool json = false;
 };
 
 // How a file is opened. Each throws CommandError when the file has nothing of that kind.
 struct VerifySources {
-    std::function<boost::shared_ptr<Zanthe::IAudioReader>()> sound;
+    std::function<OpenedSound()> sound;
     std::function<std::unique_ptr<IVideo>()> video;
 };
 

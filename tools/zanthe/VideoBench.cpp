@@ -1,12 +1,12 @@
 #include "tools/zanthe/VideoBench.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <random>
 #include <utility>
 
 #include "tools/zanthe/LockedPixels.h"
+#include "tools/zanthe/Stopwatch.h"
 #include "tools/zanthe/TimeText.h"
 #include "tools/zanthe/VideoTimeline.h"
 
@@ -18,17 +18,6 @@ namespace {
 constexpr std::int64_t UntoldStep = UnitsPerSecond / 30;
 
 constexpr int ScrubReach = 5; // pictures to either side
-
-class Stopwatch {
-public:
-    double Milliseconds() const {
-        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - m_begin)
-            .count();
-    }
-
-private:
-    std::chrono::steady_clock::time_point m_begin = std::chrono::steady_clock::now();
-};
 
 // By rank: the smallest that `share` of all do not exceed.
 double Ranked(std::vector<double> values, double share) {

@@ -13,7 +13,8 @@ Json JsonOf(const VideoFacts& facts) {
             {"pixel_aspect", {facts.aspectNumerator, facts.aspectDenominator}},
             {"display_width", shown.width},
             {"display_height", shown.height},
-            {"duration_100ns", JsonOrNull(facts.duration)}};
+            {"duration_100ns", JsonOrNull(facts.duration)},
+            {"remarks", facts.remarks}};
 }
 
 } // namespace Program

@@ -13,7 +13,7 @@ Json JsonOrNull(const std::optional<T>& value) {
     return value ? Json(*value) : Json(nullptr);
 }
 
-// Reader, stored size, rotation, pixel aspect, duration.
+// Reader, stored size, rotation, pixel aspect, duration, remarks.
 Json JsonOf(const VideoFacts& facts);
 
 } // namespace Program

@@ -18,6 +18,19 @@ void Look(const WatchTime& watch, std::int64_t units) {
     }
 }
 
+// A reader answers at the end that it tells, and never behind it.
+void CutAtTold(VideoTimeline& timeline, const std::optional<std::int64_t>& told) {
+    if (timeline.pictures.empty()) {
+        return;
+    }
+    TimelinePicture& last = timeline.pictures.back();
+    timeline.picturesEnd = last.last + 1;
+    timeline.endsEarly = told && *told < last.last;
+    if (timeline.endsEarly) {
+        last.last = std::max(*told, last.first);
+    }
+}
+
 VideoTimeline ReadTold(IVideo& video, const WatchTime& watch) {
     VideoTimeline timeline;
     std::vector<TimelinePicture>& pictures = timeline.pictures;
@@ -44,6 +57,7 @@ VideoTimeline ReadTold(IVideo& video, const WatchTime& watch) {
             {.first = first, .last = last, .start = start, .hash = HashOf(*picture)});
         timeline.end = last + 2;
     }
+    CutAtTold(timeline, video.Facts().duration);
     return timeline;
 }
 
@@ -65,6 +79,7 @@ VideoTimeline ReadBySteps(IVideo& video, const WatchTime& watch) {
         }
         pictures.back().last = time;
         timeline.end = time + timeline.step;
+        timeline.picturesEnd = timeline.end;
         if (time - pictures.back().first >= VideoTimeline::StandsStill) {
             break;
         }

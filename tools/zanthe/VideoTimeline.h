@@ -34,6 +34,7 @@ public:
     std::vector<TimelinePicture> pictures; // in order; none overlap
     std::int64_t step = 1;                 // 1 where times are told, else Step
     std::int64_t end = 0;                  // the time that was asked for behind the last picture
+    std::int64_t picturesEnd = 0;          // to where the last picture stays by its own duration
     bool standsStill = false; // there it still stood on that one: where it ends is not known
 
     // Where the linear reading itself was not as it should be: the number of the picture before.
@@ -42,6 +43,10 @@ public:
 
     // The number of the picture shown at `units`; nothing where that is not known.
     std::optional<std::size_t> PictureAt(std::int64_t units) const;
+
+    // The reader tells an end before the last picture's own, and gives nothing behind that: the
+    // last picture's `last` is then the end that is told.
+    bool endsEarly = false;
 
     // Behind this there is none.
     std::int64_t LastTime() const { return pictures.empty() ? -1 : pictures.back().last; }

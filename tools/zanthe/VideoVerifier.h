@@ -66,7 +66,7 @@ struct VideoTally {
 
 struct VideoVerification {
     std::int64_t pictures = 0;       // by the linear reading
-    std::int64_t duration = 0;       // 100 ns, to the end of the last of them
+    std::int64_t duration = 0;       // 100 ns, to the end of the last of them by its own duration
     std::vector<VideoTally> tallies; // one a kind, in order
     std::optional<VideoDifference> first;
 
@@ -107,6 +107,8 @@ private:
     void ReadAndCompare(VideoReadKind kind, const Zanthe::MediaTime& time);
     void Compare(const VideoRead& read, const std::optional<Picture>& answer);
     void ComparePicture(const VideoRead& read, std::size_t expected, const Picture& answer);
+
+    std::int64_t LastAnswer() const;
 
     VideoRead NextRead(VideoReadKind kind, const Zanthe::MediaTime& time);
     VideoTally& TallyOf(VideoReadKind kind);

@@ -6,6 +6,7 @@
 
 #include "tools/zanthe/CommandError.h"
 #include "tools/zanthe/TimeText.h"
+#include "tools/zanthe/VideoEnd.h"
 #include "tools/zanthe/VideoJson.h"
 
 namespace Program {
@@ -99,6 +100,16 @@ std::string AnswerText(const VideoDifference& difference) {
     return {};
 }
 
+std::vector<std::string> RemarksOn(const VideoVerifyReport& report) {
+    std::vector<std::string> remarks = report.facts.remarks;
+    const std::string ends =
+        Disagreement({.told = report.facts.duration, .pictures = report.video.duration});
+    if (!ends.empty()) {
+        remarks.push_back(ends);
+    }
+    return remarks;
+}
+
 } // namespace
 
 std::string Describe(const VideoDifference& difference) {
@@ -122,6 +133,9 @@ void PrintLines(const VideoVerifyReport& report, std::ostream& out) {
             text << tally.differences << (tally.differences == 1 ? " differs\n" : " differ\n");
         }
     }
+    for (const std::string& remark : RemarksOn(report)) {
+        text << "  " << OneLine(remark) << '\n';
+    }
     if (report.video.first) {
         text << "first difference: " << Describe(*report.video.first) << '\n';
     }
@@ -136,6 +150,8 @@ Json JsonOf(const VideoVerifyReport& report) {
                             {"differences", tally.differences}});
     }
     Json json = JsonOf(report.facts);
+    json["remarks"] = RemarksOn(report);
+    json["last_picture_end_100ns"] = report.video.duration;
     json["pictures"] = report.video.pictures;
     json["seconds"] = SecondsOf(report.video.duration);
     json["reads"] = report.video.Reads();

@@ -17,7 +17,8 @@ struct VideoVerifyReport {
     VideoVerification video;
 };
 
-// A few lines: the pictures, the reads by kind, the first difference if any.
+// A few lines: the pictures, the reads by kind, the remarks (where the header ends the stream
+// elsewhere than its last picture does, ...), the first difference if any.
 void PrintLines(const VideoVerifyReport& report, std::ostream& out);
 
 // The same as a JSON object, file and seed left out: they are not the pictures' alone.

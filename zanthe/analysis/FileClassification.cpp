@@ -118,10 +118,12 @@ ClassifiedBackend BackendFor(const std::wstring& path, MediaFoundationPurpose pu
 
 // What this build has a backend behind; None needs none. A route that is chosen and missing here
 // fails to open.
-constexpr std::array<AudioRoute, 1> BuiltAudioRoutes{AudioRoute::Ffmpeg};
+constexpr std::array<AudioRoute, 3> BuiltAudioRoutes{AudioRoute::Ffmpeg, AudioRoute::Recording,
+                                                     AudioRoute::MediaFoundation};
 constexpr std::array<VideoRoute, 1> BuiltVideoRoutes{VideoRoute::MediaFoundation};
-constexpr std::array<OwnVideoDecoder, 3> BuiltOwnDecoders{
-    OwnVideoDecoder::None, OwnVideoDecoder::LegacyRecording, OwnVideoDecoder::Gif};
+constexpr std::array<OwnVideoDecoder, 5> BuiltOwnDecoders{
+    OwnVideoDecoder::None, OwnVideoDecoder::LegacyRecording, OwnVideoDecoder::Recording,
+    OwnVideoDecoder::PngMov, OwnVideoDecoder::Gif};
 
 template <typename Routes, typename Route>
 bool IsBuilt(const Routes& built, Route route) {
@@ -162,9 +164,11 @@ ClassifiedRoute OwnDecoderRoute(OwnVideoDecoder decoder) {
     return {OwnDecoderName(decoder), IsBuilt(BuiltOwnDecoders, decoder)};
 }
 
-// As the factory decides for stream 0, which is also who opens the file to see.
-ClassifiedRoute FindVideoRoute(const std::string& path) {
-    const auto opensAsPngMov = [&] { return DecoderRoutes().CreatePngMov(path, 0) != nullptr; };
+// As the factory decides, which also opens the file to see.
+ClassifiedRoute FindVideoRoute(const std::string& path, int stream) {
+    const auto opensAsPngMov = [&] {
+        return DecoderRoutes().CreatePngMov(path, stream) != nullptr;
+    };
     const VideoRoute route =
         ChooseVideoRoute(path, true, opensAsPngMov, boost::make_shared<WindowsVersionProvider>());
     switch (route) {
@@ -178,9 +182,9 @@ ClassifiedRoute FindVideoRoute(const std::string& path) {
     return {"DirectShow", IsBuilt(BuiltVideoRoutes, route)};
 }
 
-ClassifiedRoute VideoRouteOf(const std::string& path) {
+ClassifiedRoute VideoRouteOf(const std::string& path, int stream) {
     try {
-        return FindVideoRoute(path);
+        return FindVideoRoute(path, stream);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& failure) {
@@ -316,18 +320,18 @@ void ClassifyFilters(const std::wstring& path, FileClassification& result) {
     }
 }
 
-void ClassifyBackends(const std::wstring& path, FileClassification& result) {
+void ClassifyBackends(const std::wstring& path, int videoStream, FileClassification& result) {
     result.audio = BackendFor(path, MediaFoundationPurpose::Audio, result.pngMov);
     result.videoSamples = BackendFor(path, MediaFoundationPurpose::VideoSamples, result.pngMov);
     result.detection = BackendFor(path, MediaFoundationPurpose::Detection, result.pngMov);
     result.system62 = WindowsVersionProvider().IsWindows62OrLater();
     result.audioRoute = AudioRouteOf(result.path);
-    result.videoRoute = VideoRouteOf(result.path);
+    result.videoRoute = VideoRouteOf(result.path, videoStream);
 }
 
 } // namespace
 
-FileClassification ClassifyFile(const std::string& path) {
+FileClassification ClassifyFile(const std::string& path, int videoStream) {
     const std::wstring widePath = win32::Utf8ToWide(path);
     FileClassification result;
     result.path = path;
@@ -335,7 +339,7 @@ FileClassification ClassifyFile(const std::string& path) {
     result.contents = ContentsName(result.parsed.container);
     ClassifyFilters(widePath, result);
     ClassifyStreams(widePath, result);
-    ClassifyBackends(widePath, result);
+    ClassifyBackends(widePath, videoStream, result);
     result.aacInMp4 = AudioMediaReaderFactory::IsMP4WithAACAudio(path);
     ClassifyTracks(win32::Utf8ToWide(result.parsed.container), result);
     MarkDoubtfulCodecs(result);

@@ -143,10 +143,11 @@ struct FileClassification {
 
 // Classifies the file at `path` (UTF-8), which may name a member of a recording. A file that is
 // missing, damaged or of no known kind gets the answers that the library has for it: nothing but
-// the lack of memory is thrown.
+// the lack of memory is thrown. videoStream is the stream whose pictures are asked for, as
+// DecoderFactory takes it; some files open in another way for another one.
 //
 // Thread-safety: safe from any thread.
-ZANTHE_API FileClassification ClassifyFile(const std::string& path);
+ZANTHE_API FileClassification ClassifyFile(const std::string& path, int videoStream = 0);
 
 // The file to open for `path` (both UTF-8): `path` without the member of a recording that it may
 // name. It need not exist. Thread-safety: safe from any thread.

@@ -1,14 +1,13 @@
 #include <array>
-#include <memory>
 #include <optional>
 #include <string_view>
 
-#include "platform/mp4v2/Mp4v2.h"
 #include "platform/win32/File.h"
 #include "platform/win32/Path.h"
 #include "platform/win32/Text.h"
 #include "zanthe/analysis/Extension.h"
 #include "zanthe/audio/AudioMediaReaderFactory.h"
+#include "zanthe/h264/Mp4Track.h"
 
 namespace Zanthe {
 
@@ -37,12 +36,6 @@ bool NamesQuickTimeAsCompatible(const std::string& path) {
     return start && std::string_view(start->data() + 16, 4) == "qt  ";
 }
 
-struct Mp4Closer {
-    using pointer = MP4FileHandle;
-
-    void operator()(MP4FileHandle file) const { MP4Close(file, 0); }
-};
-
 } // namespace
 
 bool AudioMediaReaderFactory::IsMP4WithAACAudio(const std::string& path) {
@@ -53,7 +46,7 @@ bool AudioMediaReaderFactory::IsMP4WithAACAudio(const std::string& path) {
     if (NamesQuickTimeAsCompatible(path)) {
         return false;
     }
-    const std::unique_ptr<void, Mp4Closer> file(MP4Read(win32::ExistingPath(path).c_str()));
+    const Mp4FileOwner file = OpenMp4File(win32::ExistingPath(path));
     if (file == nullptr) {
         return false;
     }

@@ -54,7 +54,7 @@ private:
     boost::shared_ptr<BREC::Reader> m_reader;
     boost::shared_ptr<BREC::MP4TrackReader> m_track; // empty: nothing to read
     std::vector<unsigned char> m_scratch;            // interleaved 16-bit samples; only grows
-    int m_trackIndex = 0;
+    [[maybe_unused]] int m_trackIndex = 0;
 };
 
 } // namespace Zanthe

@@ -27,4 +27,14 @@ void KeyFrameCache::Finish(const std::string& path, const KeyFrameCacheEntry& en
     m_inCollection.erase(path);
 }
 
+void KeyFrameCache::GiveUp(const std::string& path) {
+    const std::lock_guard lock(m_mutex);
+    m_inCollection.erase(path);
+}
+
+bool KeyFrameCache::IsInCollection(const std::string& path) const {
+    const std::lock_guard lock(m_mutex);
+    return m_inCollection.count(path) != 0;
+}
+
 } // namespace Zanthe

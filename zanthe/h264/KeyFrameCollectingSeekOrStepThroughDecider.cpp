@@ -1,6 +1,7 @@
 #include "zanthe/h264/KeyFrameCollectingSeekOrStepThroughDecider.h"
 
 #include <algorithm>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -9,8 +10,8 @@
 #include "platform/win32/Event.h"
 #include "platform/win32/Thread.h"
 #include "platform/win32/Wait.h"
-#include "zanthe/h264/H264KeyframeCollector_MP4V2.h"
 #include "zanthe/h264/KeyFrameCache.h"
+#include "zanthe/h264/KeyframeCollectorFactory.h"
 
 namespace Zanthe {
 
@@ -32,12 +33,27 @@ std::uint64_t Distance(std::int64_t from, std::int64_t to) {
     return static_cast<std::uint64_t>(to) - static_cast<std::uint64_t>(from);
 }
 
+// Signals an event when it goes, however that comes about.
+class SignalAtEnd {
+public:
+    explicit SignalAtEnd(HANDLE event)
+        : m_event(event) {}
+
+    SignalAtEnd(const SignalAtEnd&) = delete;
+    SignalAtEnd& operator=(const SignalAtEnd&) = delete;
+
+    ~SignalAtEnd() { SetEvent(m_event); }
+
+private:
+    HANDLE m_event;
+};
+
 } // namespace
 
 KeyFrameCollectingSeekOrStepThroughDecider::KeyFrameCollectingSeekOrStepThroughDecider(
     const std::string& path, int streamIndex, std::int64_t firstSampleTime, GUID subtype)
     : KeyFrameCollectingSeekOrStepThroughDecider(path, streamIndex, firstSampleTime, subtype,
-                                                 std::make_unique<H264KeyframeCollector_MP4V2>()) {}
+                                                 MakeKeyframeCollector()) {}
 
 KeyFrameCollectingSeekOrStepThroughDecider::KeyFrameCollectingSeekOrStepThroughDecider(
     const std::string& path, int streamIndex, std::int64_t firstSampleTime, GUID subtype,
@@ -87,6 +103,7 @@ unsigned int KeyFrameCollectingSeekOrStepThroughDecider::CollectOnThread(void* d
 
 // Whatever comes of it, whoever waits is let go.
 void KeyFrameCollectingSeekOrStepThroughDecider::Collect() {
+    const SignalAtEnd ready(m_ready);
     bool collected = false;
     try {
         collected = m_collector->CollectKeyframeTimesAndDuration(m_path, m_firstSampleTime,
@@ -97,8 +114,17 @@ void KeyFrameCollectingSeekOrStepThroughDecider::Collect() {
     }
     m_collectionSucceeded = collected && !m_keyFrameTimes.empty();
     m_averageInterval = AverageInterval(m_keyFrameTimes.size(), m_duration);
-    KeyFrameCache::OfProcess().Finish(m_path, {m_keyFrameTimes, m_duration, m_averageInterval});
-    SetEvent(m_ready);
+    Share();
+}
+
+// Without the memory for it the table is this decider's alone, and the next one collects anew.
+void KeyFrameCollectingSeekOrStepThroughDecider::Share() {
+    KeyFrameCache& cache = KeyFrameCache::OfProcess();
+    try {
+        cache.Finish(m_path, {m_keyFrameTimes, m_duration, m_averageInterval});
+    } catch (const std::bad_alloc&) {
+        cache.GiveUp(m_path);
+    }
 }
 
 bool KeyFrameCollectingSeekOrStepThroughDecider::NeedToSeekBetweenTimes(std::int64_t from,

@@ -21,7 +21,7 @@ namespace Zanthe {
 // States: collecting, then ready, once and for good. Questions wait for ready, but for those that
 // need no table. What one decider has collected serves every later one of the same path in the
 // process, which is then ready at once and starts no thread; a path is never looked at again, also
-// when its collection failed.
+// when its collection failed, unless there was no memory to keep what came of it.
 //
 // Thread-safety: NeedToSeekBetweenTimes is safe from any thread.
 class ZANTHE_API KeyFrameCollectingSeekOrStepThroughDecider : public ISeekOrStepThroughDecider {
@@ -59,6 +59,7 @@ private:
 
     void StartCollection();
     void Collect();
+    void Share();
 
     // Whether there is a key frame for the time; `result` is the last one at or before it, or the
     // first of all.

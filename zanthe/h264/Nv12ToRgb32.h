@@ -29,9 +29,6 @@ public:
     com::ComPtr<IMFSample> Convert(IMFSample* sample, IMFSourceReader* reader, int streamIndex,
                                    FrameSize native, FrameSize decoded);
 
-    // Gives the converter back.
-    void Release() { m_converter.Reset(); }
-
 private:
     void CreateColorConverter(IMFSourceReader* reader, int streamIndex, FrameSize decoded);
 

@@ -9,10 +9,10 @@
 
 namespace Zanthe {
 
-// The key frames around a position, on the source's timeline.
+// The key frames around a position, on the source's timeline; 0 as long as none is told.
 struct SeekInfoSeekOrStepThroughDecider::Neighbours {
-    std::int64_t previous;
-    std::int64_t next;
+    PropVariantHelper previous;
+    PropVariantHelper next;
 };
 
 SeekInfoSeekOrStepThroughDecider::SeekInfoSeekOrStepThroughDecider(const std::string& path,
@@ -33,39 +33,36 @@ bool SeekInfoSeekOrStepThroughDecider::NeedToSeekBetweenTimes(std::int64_t from,
     if (to < from) {
         return true;
     }
-    const Neighbours ofFrom = NeighboursOf(from);
-    const Neighbours ofTo = NeighboursOf(to);
-    return ofFrom.previous != ofTo.previous && ofFrom.next != ofTo.previous;
+    Neighbours ofFrom;
+    Neighbours ofTo;
+    FindNeighbours(from, ofFrom);
+    FindNeighbours(to, ofTo);
+    return !(ofFrom.previous == ofTo.previous) && !(ofFrom.next == ofTo.previous);
 }
 
-SeekInfoSeekOrStepThroughDecider::Neighbours
-SeekInfoSeekOrStepThroughDecider::NeighboursOf(std::int64_t time) const {
+void SeekInfoSeekOrStepThroughDecider::FindNeighbours(std::int64_t time, Neighbours& found) const {
     const std::int64_t position = SaturatingSum(time, m_timeOffset);
-    return RefineNearestKeyFrames(position, AskFor(position));
+    AskFor(position, found);
+    RefineNearestKeyFrames(position, found);
 }
 
-SeekInfoSeekOrStepThroughDecider::Neighbours
-SeekInfoSeekOrStepThroughDecider::AskFor(std::int64_t position) const {
+// Without an answer `found` stays as it was.
+void SeekInfoSeekOrStepThroughDecider::AskFor(std::int64_t position, Neighbours& found) const {
     const PropVariantHelper start(position);
-    PropVariantHelper previous;
-    PropVariantHelper next;
-    // Without an answer both are empty, which is 0.
-    static_cast<void>(m_seekInfo->GetNearestKeyFrames(&GUID_NULL, start, previous, next));
-    return {previous, next};
+    static_cast<void>(
+        m_seekInfo->GetNearestKeyFrames(&GUID_NULL, start, found.previous, found.next));
 }
 
 // A position on a key frame gets that one twice, which tells no interval from another; so the
 // position moves on, for half a second at most.
-SeekInfoSeekOrStepThroughDecider::Neighbours
-SeekInfoSeekOrStepThroughDecider::RefineNearestKeyFrames(std::int64_t position,
-                                                         Neighbours found) const {
+void SeekInfoSeekOrStepThroughDecider::RefineNearestKeyFrames(std::int64_t position,
+                                                              Neighbours& found) const {
     constexpr int mostAttempts = 15;
     constexpr std::int64_t thirtiethOfASecond = 333333;
     for (int i = 0; i < mostAttempts && found.previous == found.next; ++i) {
         position = SaturatingSum(position, thirtiethOfASecond);
-        found = AskFor(position);
+        AskFor(position, found);
     }
-    return found;
 }
 
 } // namespace Zanthe

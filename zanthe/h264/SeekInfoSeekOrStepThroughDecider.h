@@ -25,15 +25,16 @@ public:
 
     // ISeekOrStepThroughDecider
     // An earlier time is sought; the same one is not. A later time is stepped to in the interval of
-    // `from` and in the one behind it. Where the source does not answer, it counts as one interval.
+    // `from` and in the one behind it. Where the source never answers, it counts as one interval;
+    // an answer stands when the source falls silent behind it.
     bool NeedToSeekBetweenTimes(std::int64_t from, std::int64_t to) const override;
 
 private:
     struct Neighbours;
 
-    Neighbours NeighboursOf(std::int64_t time) const;
-    Neighbours AskFor(std::int64_t position) const;
-    Neighbours RefineNearestKeyFrames(std::int64_t position, Neighbours found) const;
+    void FindNeighbours(std::int64_t time, Neighbours& found) const;
+    void AskFor(std::int64_t position, Neighbours& found) const;
+    void RefineNearestKeyFrames(std::int64_t position, Neighbours& found) const;
 
     std::string m_path;
     std::int64_t m_timeOffset;

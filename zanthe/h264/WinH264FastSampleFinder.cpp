@@ -1,5 +1,6 @@
 #include "zanthe/h264/WinH264FastSampleFinder.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <stdexcept>
@@ -58,26 +59,15 @@ bool Covers(const com::ComPtr<IMFSample>& sample, std::int64_t time) {
 }
 
 // Cut to whole units; 0 for a negative time, and the greatest number for what 64 bits do not hold.
-// In whole numbers: by way of double a picture's own time would now and then come out a unit short,
-// and the picture before it, where that is held, would be the answer.
+// By way of double a picture's own time may come out a unit short, which Covers allows for.
 std::int64_t TruncatedReferenceTime(MediaTime time) {
-    constexpr std::int64_t unitsPerSecond = 10'000'000;
-    constexpr auto most = std::numeric_limits<std::int64_t>::max();
-    const std::int64_t seconds = time.numerator() / time.denominator();
-    const std::int64_t rest = time.numerator() % time.denominator();
-    if (time.numerator() <= 0) {
-        return 0;
+    constexpr double most = 0x1p63;
+    const double units = static_cast<double>(time.numerator()) /
+                         static_cast<double>(time.denominator()) * 10'000'000.0;
+    if (units >= most) {
+        return std::numeric_limits<std::int64_t>::max();
     }
-    if (seconds >= most / unitsPerSecond) {
-        return most;
-    }
-    // A fraction this fine has no picture of its own to miss.
-    const std::int64_t units =
-        rest <= most / unitsPerSecond
-            ? rest * unitsPerSecond / time.denominator()
-            : static_cast<std::int64_t>(static_cast<double>(rest) /
-                                        static_cast<double>(time.denominator()) * 1e7);
-    return seconds * unitsPerSecond + units;
+    return static_cast<std::int64_t>(std::max(units, 0.0));
 }
 
 } // namespace

@@ -75,6 +75,17 @@ public:
     // How many steps each of the last 500 searches took that were not given up, oldest first.
     const std::deque<int>& attempts() const { return m_attempts; }
 
+    // Where the last 10 seeks went, and the times of the last 500 samples read, oldest first.
+    const std::deque<std::int64_t>& seekTargets() const { return m_seekTargets; }
+
+    const std::deque<std::int64_t>& sampleTimes() const { return m_sampleTimes; }
+
+    // Of the stream's native type, pictures a second: 30/1 where there is no type, 0/1 where it
+    // does not tell. No search goes by it.
+    std::uint32_t frameRateNumerator() const { return m_frameRateNumerator; }
+
+    std::uint32_t frameRateDenominator() const { return m_frameRateDenominator; }
+
 private:
     void OnSampleRead(IMFSample* sample);
     void ReadFrameRate();
@@ -93,9 +104,9 @@ private:
     com::ComPtr<IMFSample> m_previousSample; // the one before, or the one answered last
     std::unique_ptr<ISeekOrStepThroughDecider> m_decider;
     std::function<void(IMFSample*)> m_callback;
-    std::int64_t m_firstSampleTime = 0;     // on the reader's timeline
-    std::int64_t m_currentTime = 0;         // of the sample read last; 0 behind a seek
-    std::uint32_t m_frameRateNumerator = 0; // kept for diagnosis, as is the next
+    std::int64_t m_firstSampleTime = 0; // on the reader's timeline
+    std::int64_t m_currentTime = 0;     // of the sample read last; 0 behind a seek
+    std::uint32_t m_frameRateNumerator = 0;
     std::uint32_t m_frameRateDenominator = 1;
     std::deque<ReadSampleOp> m_operations;
     std::deque<std::int64_t> m_readFailures;

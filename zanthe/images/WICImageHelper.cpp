@@ -31,6 +31,13 @@ private:
     std::unique_ptr<unsigned char[]> m_memory;
 };
 
+// What else a source gives would leave part of each row as it was.
+bool HasFourBytesAPixel(IWICBitmapSource& source) {
+    WICPixelFormatGUID format{};
+    return SUCCEEDED(source.GetPixelFormat(&format)) &&
+           wic::BitsPerPixel(format) == BytesPerPixel * 8;
+}
+
 HRESULT Converted(IWICBitmapSource* source, com::ComPtr<IWICFormatConverter>& converter) {
     com::ComPtr<IWICImagingFactory> factory;
     HRESULT result = CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
@@ -87,7 +94,8 @@ boost::shared_ptr<Bitmap>
 WICImageHelper::CreateBitmapFromWICBitmapSource(IWICBitmapSource* source) {
     UINT width = 0;
     UINT height = 0;
-    if (source == nullptr || FAILED(source->GetSize(&width, &height))) {
+    if (source == nullptr || !HasFourBytesAPixel(*source) ||
+        FAILED(source->GetSize(&width, &height))) {
         return nullptr;
     }
     auto bitmap =
@@ -101,6 +109,9 @@ HRESULT WICImageHelper::CopyWICBitmapSourceToBuffer(IWICBitmapSource* source,
                                                     unsigned char* buffer) {
     if (source == nullptr || buffer == nullptr) {
         return E_INVALIDARG;
+    }
+    if (!HasFourBytesAPixel(*source)) {
+        return WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT;
     }
     UINT width = 0;
     UINT height = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -62,19 +63,30 @@ TEST(BrecReader, TracksAreTheSameAtEveryCallAndOutliveTheReader) {
     EXPECT_EQ(track->codec(), "avc1");
 }
 
-TEST(BrecReader, ReadsGiveNothingAndSaySo) {
-    const auto reader = Open(MadeMedia("classify/recording.brec"));
+TEST(BrecReader, ATrackThatNothingDecodesGivesNothingAndSaysSo) {
+    const TemporaryFolder folder;
+    std::string bytes = ReadWholeFile(MadeMedia("rec-png-third.mov"));
+    bytes.replace(bytes.find("jpeg", bytes.find("moov")), 4, "bsc2");
+    const auto reader = Open(folder.Write("a.brec", bytes));
     ASSERT_NE(reader, nullptr);
-    std::array<unsigned char, 64> buffer;
-    buffer.fill(7);
+    const auto track = reader->tracks().at(1);
+    EXPECT_EQ(track->type(), BREC::VideoTrack);
+    EXPECT_EQ(track->codec(), "bsc2");
+    EXPECT_EQ(track->width(), 64U);
+    std::vector<unsigned char> buffer(64 * 48 * 4, 7);
     const auto untouched = buffer;
     double outTime = -1.0;
-    for (const auto& track : reader->tracks()) {
-        EXPECT_EQ(track->fillAudioBuffer(0, 16, buffer.data()), 0U);
-        EXPECT_FALSE(track->decodeFrameAtTime(0.0, buffer.data(), 64, &outTime, -1.0, 0.0, 0.0));
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_FALSE(
+            track->decodeFrameAtTime(0.0, buffer.data(), 64 * 48 * 4, &outTime, -1.0, 0.0, 0.0));
     }
+    EXPECT_EQ(track->fillAudioBuffer(0, 16, buffer.data()), 0U);
     EXPECT_EQ(outTime, -1.0);
     EXPECT_EQ(buffer, untouched);
+    // The tracks behind it are found all the same.
+    std::vector<unsigned char> larger(80 * 60 * 4);
+    EXPECT_TRUE(reader->tracks().at(3)->decodeFrameAtTime(0.0, larger.data(), 80 * 60 * 4, &outTime,
+                                                          -1.0, 0.0, 0.0));
 }
 
 TEST(BrecReader, OpensAPathWithBackslashes) {

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -101,6 +102,108 @@ TEST(Mp4v2, SamplesThatAreNotThere) {
         EXPECT_EQ(MP4GetSampleSync(file.get(), none, 1), -1);
     }
     EXPECT_EQ(MP4GetTrackDuration(nullptr, 1), MP4_INVALID_DURATION);
+}
+
+File OpenRecording(const std::string& name) {
+    return File(MP4Read(MadeMedia("rec-png-" + name).c_str()));
+}
+
+TEST(Mp4v2, TracksTellTheirCodingAndSize) {
+    const File file = OpenRecording("third.mov");
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(MP4GetNumberOfTracks(file.get(), nullptr, 0), 4U);
+    EXPECT_EQ(MP4GetNumberOfTracks(file.get(), MP4_VIDEO_TRACK_TYPE, 0), 3U);
+    EXPECT_EQ(MP4GetNumberOfTracks(file.get(), nullptr, 1), 0U);
+    EXPECT_STREQ(MP4GetTrackMediaDataName(file.get(), 1), "sowt");
+    EXPECT_STREQ(MP4GetTrackMediaDataName(file.get(), 2), "jpeg");
+    EXPECT_STREQ(MP4GetTrackMediaDataName(file.get(), 3), "png ");
+    EXPECT_EQ(MP4GetTrackVideoWidth(file.get(), 1), 0);
+    EXPECT_EQ(MP4GetTrackVideoWidth(file.get(), 3), 61);
+    EXPECT_EQ(MP4GetTrackVideoHeight(file.get(), 3), 45);
+    EXPECT_EQ(MP4GetTrackVideoWidth(file.get(), 4), 80);
+    EXPECT_EQ(MP4GetTrackVideoHeight(file.get(), 4), 60);
+    EXPECT_EQ(MP4GetTrackMediaDataName(file.get(), 5), nullptr);
+    EXPECT_EQ(MP4GetTrackVideoWidth(file.get(), 5), 0);
+    EXPECT_EQ(MP4GetNumberOfTracks(nullptr, nullptr, 0), 0U);
+}
+
+TEST(Mp4v2, ATrackOfTwoCodingsHasNoName) {
+    const TemporaryFolder folder;
+    std::string bytes = ReadWholeFile(MadeMedia("rec-png-rgba.mov"));
+    // A second description of no more than its header takes the end of the first one's box.
+    const std::size_t name = bytes.find("png ", bytes.find("stsd"));
+    const std::size_t table = bytes.find("stsd");
+    bytes[table + 11] = 2;
+    const auto sizeAt = [&](std::size_t at) { return static_cast<unsigned char>(bytes[at + 3]); };
+    const std::size_t size = sizeAt(name - 4);
+    bytes[name - 1] = static_cast<char>(size - 8);
+    bytes.replace(name - 4 + size - 8, 8, std::string("\0\0\0\x08jpeg", 8));
+    const File file(MP4Read(folder.Write("a.mov", bytes).c_str()));
+    ASSERT_NE(file, nullptr);
+    EXPECT_TRUE(MP4HaveTrackAtom(file.get(), 1, "mdia.minf.stbl.stsd.jpeg"));
+    EXPECT_EQ(MP4GetTrackMediaDataName(file.get(), 1), nullptr);
+}
+
+TEST(Mp4v2, ASampleIsFoundByItsTime) {
+    // Picture n begins at n (n + 1) / 20 seconds.
+    const File file = OpenRecording("uneven.mov");
+    const std::uint32_t scale = MP4GetTrackTimeScale(file.get(), 1);
+    for (MP4SampleId sample = 1; sample <= 8; ++sample) {
+        const MP4Timestamp begin = MP4GetSampleTime(file.get(), 1, sample);
+        EXPECT_EQ(begin, std::uint64_t{scale} * sample * (sample - 1) / 20);
+        EXPECT_EQ(MP4GetSampleIdFromTime(file.get(), 1, begin), sample);
+        if (sample > 1) {
+            EXPECT_EQ(MP4GetSampleIdFromTime(file.get(), 1, begin - 1), sample - 1);
+        }
+    }
+    const MP4Duration end = MP4GetTrackDuration(file.get(), 1);
+    EXPECT_EQ(MP4GetSampleIdFromTime(file.get(), 1, end - 1), 8U);
+    EXPECT_EQ(MP4GetSampleIdFromTime(file.get(), 1, end), MP4_INVALID_SAMPLE_ID);
+    EXPECT_EQ(MP4GetSampleIdFromTime(file.get(), 1, ~MP4Timestamp{0}), MP4_INVALID_SAMPLE_ID);
+    EXPECT_EQ(MP4GetSampleIdFromTime(file.get(), 1, 0, true), MP4_INVALID_SAMPLE_ID);
+    EXPECT_EQ(MP4GetSampleIdFromTime(file.get(), 2, 0), MP4_INVALID_SAMPLE_ID);
+}
+
+TEST(Mp4v2, SamplesAreRead) {
+    for (const char* name : {"rgba.mov", "fragmented.mov"}) {
+        const File file = OpenRecording(name);
+        ASSERT_EQ(MP4GetTrackNumberOfSamples(file.get(), 1), 8U);
+        for (const MP4SampleId sample : {8U, 1U, 4U}) {
+            std::uint32_t size = MP4GetSampleSize(file.get(), 1, sample);
+            ASSERT_GT(size, 100U);
+            std::string bytes(size + 4, '?');
+            auto* to = reinterpret_cast<std::uint8_t*>(bytes.data());
+            ++size;
+            ASSERT_TRUE(MP4ReadSample(file.get(), 1, sample, &to, &size));
+            EXPECT_EQ(size, bytes.size() - 4);
+            EXPECT_EQ(bytes.substr(0, 8), "\x89PNG\r\n\x1A\n");
+            EXPECT_EQ(bytes.substr(size - 8, 4), "IEND");
+            EXPECT_EQ(bytes.substr(size), "????");
+            --size;
+            EXPECT_FALSE(MP4ReadSample(file.get(), 1, sample, &to, &size));
+        }
+    }
+}
+
+TEST(Mp4v2, ASampleBeyondTheFilesEndHasNoBytes) {
+    const TemporaryFolder folder;
+    const std::string whole = ReadWholeFile(MadeMedia("rec-png-rgba.mov"));
+    // The media data come before the tables, so these move to the front.
+    const std::size_t tables = whole.find("moov") - 4;
+    std::string bytes = whole.substr(0, whole.find("mdat") - 4) + whole.substr(tables);
+    const File file(MP4Read(folder.Write("a.mov", bytes).c_str()));
+    ASSERT_NE(file, nullptr);
+    ASSERT_EQ(MP4GetTrackNumberOfSamples(file.get(), 1), 8U);
+    EXPECT_EQ(MP4GetSampleSize(file.get(), 1, 8), 0U);
+    std::vector<std::uint8_t> room(100'000);
+    std::uint8_t* to = room.data();
+    std::uint32_t size = 100'000;
+    EXPECT_FALSE(MP4ReadSample(file.get(), 1, 8, &to, &size));
+    EXPECT_EQ(size, 100'000U);
+    EXPECT_EQ(MP4GetSampleSize(file.get(), 1, 9), 0U);
+    EXPECT_FALSE(MP4ReadSample(file.get(), 1, 9, &to, &size));
+    EXPECT_FALSE(MP4ReadSample(file.get(), 1, 1, nullptr, &size));
+    EXPECT_FALSE(MP4ReadSample(file.get(), 1, 1, &to, nullptr));
 }
 
 // A track is what its handler says, whatever its coding is.

@@ -248,6 +248,35 @@ TEST_F(Storage, HostileHeadersAreRefused) {
               STG_E_INVALIDHEADER);
 }
 
+// Each link of each entry of the directory turned to each other entry, itself and the root among
+// them: what is opened then may hold anything, but walking it ends.
+TEST_F(Storage, EntriesThatLinkInCirclesEnd) {
+    const std::string whole = ReadWholeFile(path);
+    constexpr std::uint32_t EntryBytes = 128;
+    const std::size_t directory = (NumberAt(whole, 48) + 1ULL) * 512;
+    for (std::uint32_t entry = 0; entry < 4; ++entry) {
+        for (const std::size_t link : {68, 72, 76}) { // before, behind, below
+            for (const std::uint32_t target : {0U, 1U, 2U, 3U, 4U, 1000U, 0xFFFFFFFEU}) {
+                const std::size_t place = directory + entry * EntryBytes + link;
+                const std::string file = folder.Write("links", Patched(whole, place, target));
+                com::ComPtr<IStorage> storage;
+                if (FAILED(StgOpenStorage(win32::Utf8ToWide(file).c_str(), nullptr,
+                                          STGM_SHARE_DENY_WRITE, nullptr, 0, storage.Put()))) {
+                    continue;
+                }
+                com::ComPtr<IEnumSTATSTG> elements;
+                ASSERT_EQ(storage->EnumElements(0, nullptr, 0, elements.Put()), S_OK);
+                STATSTG facts{};
+                int count = 0;
+                while (elements->Next(1, &facts, nullptr) == S_OK) {
+                    CoTaskMemFree(facts.pwcsName);
+                    ASSERT_LT(++count, 100);
+                }
+            }
+        }
+    }
+}
+
 TEST(StorageNames, ADirectoryInARowOfEntriesOpens) {
     const TemporaryFolder folder;
     std::vector<std::pair<std::string, std::string>> members;

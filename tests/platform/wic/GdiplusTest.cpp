@@ -93,7 +93,7 @@ TEST(Gdiplus, NoImageOverWhatIsNone) {
 
     for (const auto& each : cases) {
         std::uint8_t pixel[4] = {};
-        GpBitmap stale(1, 1, 4, format, pixel);
+        GpMemoryBitmap stale(1, 1, 4, format, pixel);
         GpBitmap* image = &stale;
         EXPECT_EQ(GdipCreateBitmapFromScan0(each.width, each.height, each.stride, each.pixelFormat,
                                             each.scan0, &image),

@@ -69,13 +69,24 @@ TEST(ClassifyFile, RoutesAreThoseOfThisSystem) {
 
 TEST(ClassifyFile, TellsWhatThisBuildHas) {
     EXPECT_EQ(ClassifyFile("a.mp3").audioRoute, (ClassifiedRoute{"FFmpeg", true}));
-    EXPECT_EQ(ClassifyFile("a.mp4").audioRoute, (ClassifiedRoute{"Media Foundation", false}));
+    EXPECT_EQ(ClassifyFile("a.mp4").audioRoute, (ClassifiedRoute{"Media Foundation", true}));
+    EXPECT_EQ(ClassifyFile("a.avi").audioRoute, (ClassifiedRoute{"DirectShow", false}));
+    EXPECT_EQ(ClassifyFile("a.brec").audioRoute, (ClassifiedRoute{"recording", true}));
     EXPECT_EQ(ClassifyFile("a.mp4").videoRoute, (ClassifiedRoute{"Media Foundation", true}));
     EXPECT_EQ(ClassifyFile("a.gif").videoRoute, (ClassifiedRoute{"GIF decoder", true}));
     EXPECT_EQ(ClassifyFile("a.orirec!Screen_Stream.avi").videoRoute,
               (ClassifiedRoute{"legacy recording decoder", true}));
     EXPECT_EQ(ClassifyFile("a.avi").videoRoute, (ClassifiedRoute{"DirectShow", false}));
-    EXPECT_EQ(ClassifyFile("a.brec").videoRoute, (ClassifiedRoute{"recording decoder", false}));
+    EXPECT_EQ(ClassifyFile("a.brec").videoRoute, (ClassifiedRoute{"recording decoder", true}));
+    EXPECT_EQ(Made("classify/png.mov").videoRoute,
+              (ClassifiedRoute{"PNG QuickTime decoder", true}));
+}
+
+TEST(ClassifyFile, TheRouteIsThatOfTheStreamAskedFor) {
+    const std::string path = MadeMedia("rec-png-third.mov");
+    EXPECT_EQ(ClassifyFile(path).videoRoute.backend, "Media Foundation");
+    EXPECT_EQ(ClassifyFile(path, 2).videoRoute.backend, "PNG QuickTime decoder");
+    EXPECT_EQ(ClassifyFile(path, -1).videoRoute.backend, "PNG QuickTime decoder");
 }
 
 TEST(ClassifyFile, TellsRotations) {

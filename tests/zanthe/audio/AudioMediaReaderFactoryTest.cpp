@@ -139,10 +139,30 @@ TEST(AudioMediaReaderFactory, TheSystemsVersionDecides) {
     win32::SetSystemVersion({});
 }
 
+// How many copies there are in the folder for temporary files.
+std::ptrdiff_t Copies(const TemporaryFolder& folder) {
+    return std::distance(std::filesystem::directory_iterator(folder.Path()), {});
+}
+
 TEST(AudioMediaReaderFactory, RecontaineringIsForAacInMp4Alone) {
-    EXPECT_THROW(Create(MadeMedia("audio-select/aac.mp4"), true), std::runtime_error);
-    EXPECT_THROW(Create(MadeMedia("audio-select/aac.mp4"), false), TextException);
-    EXPECT_THROW(Create(MadeMedia("audio-select/ac3.mp4"), true), TextException);
+    const TemporaryFolder folder;
+    setenv("TMPDIR", folder.Path().c_str(), 1);
+    {
+        const auto copied = Create(MadeMedia("audio-select/aac.mp4"), true);
+        EXPECT_EQ(Copies(folder), 1);
+        const auto direct = Create(MadeMedia("audio-select/aac.mp4"), false);
+        const auto other = Create(MadeMedia("audio-select/ac3.mp4"), true);
+        EXPECT_EQ(Copies(folder), 1);
+        EXPECT_GT(ReadSpan(*copied, 0, 1000).Frames(), 0U);
+        EXPECT_TRUE(ReadSpan(*copied, 0, 5000) == ReadSpan(*direct, 0, 5000));
+        EXPECT_GT(ReadSpan(*other, 0, 1000).Frames(), 0U);
+    }
+    unsetenv("TMPDIR");
+    EXPECT_EQ(Copies(folder), 0);
+}
+
+TEST(AudioMediaReaderFactory, AFileWithoutSoundThrowsAPlainException) {
+    EXPECT_EQ(PlainFailureOf(MadeMedia("audio-select/no-sound.mp4")), NoMediaFoundation);
 }
 
 } // namespace

@@ -6,15 +6,15 @@
 #include <numeric>
 #include <random>
 #include <sstream>
-#include <stdexcept>
 
 #include <gtest/gtest.h>
 
 #include "platform/com/FileStream.h"
 #include "platform/win32/Text.h"
 #include "tests/support/AviFile.h"
-#include "tests/support/BgraPicture.h"
 #include "tests/support/CompoundFile.h"
+#include "tests/support/DecoderPictures.h"
+#include "tests/support/FfmpegPictures.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
 #include "zanthe/containers/OrirecScreenVideoDecoder.h"
@@ -27,68 +27,14 @@ namespace {
 using AVI20::Read::FourCc;
 using Zanthe::MediaTime;
 
-std::string OutputOf(const std::string& command) {
-    struct Close {
-        void operator()(std::FILE* pipe) const { pclose(pipe); }
-    };
-
-    const std::unique_ptr<std::FILE, Close> pipe(popen(command.c_str(), "r"));
-    if (pipe == nullptr) {
-        throw std::runtime_error("cannot run " + command);
-    }
-    std::string output;
-    std::vector<char> piece(1 << 16);
-    while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), pipe.get())) {
-        output.append(piece.data(), count);
-    }
-    return output;
-}
-
-std::vector<BgraPicture> PicturesOf(const std::string& avi, int width, int height) {
-    const std::string bytes = OutputOf(
-        "ffmpeg -nostdin -v error -i '" + avi +
-        "' -map 0:v:0 -vsync 0 -sws_flags accurate_rnd+full_chroma_int+full_chroma_inp+neighbor "
-        "-f rawvideo -pix_fmt bgra -");
-    const std::size_t size = static_cast<std::size_t>(width) * height * 4;
-    std::vector<BgraPicture> pictures;
-    for (std::size_t at = 0; at + size <= bytes.size(); at += size) {
-        pictures.push_back({width, height, {bytes.begin() + at, bytes.begin() + at + size}});
-    }
-    return pictures;
-}
-
 // Every picture in order, compared with ffmpeg's, then all of them at random.
 void ExpectPictures(const std::string& aviPath, int count) {
     const TemporaryFolder folder;
     const std::string path = folder / "a.orirec";
     WriteCompoundFile(path, {{"Screen_Stream.avi", ReadWholeFile(aviPath)}, {"Audio.wav", "x"}});
     const auto decoder = OrirecScreenVideoDecoder::create(path);
-    BgraPicture picture{decoder->outputWidth(), decoder->outputHeight(), {}};
-    picture.bits.resize(static_cast<std::size_t>(picture.width) * picture.height * 4);
-    const auto read = [&](int frame) {
-        double actualTime = -1.0;
-        ASSERT_TRUE(
-            decoder->readFrame(MediaTime(2 * frame + 1, 20), picture.bits.data(), actualTime));
-    };
-
-    const auto expected = PicturesOf(aviPath, picture.width, picture.height);
-    ASSERT_EQ(expected.size(), static_cast<std::size_t>(count));
-    std::vector<BgraPicture> linear;
-    for (int i = 0; i < count; ++i) {
-        read(i);
-        linear.push_back(picture);
-        EXPECT_GT(Psnr(picture, expected[static_cast<std::size_t>(i)]), 40.0) << i;
-        if (i > 0) {
-            EXPECT_LT(Psnr(picture, expected[static_cast<std::size_t>(i - 1)]), 40.0) << i;
-        }
-    }
-    std::vector<int> order(static_cast<std::size_t>(count) * 3);
-    std::iota(order.begin(), order.end(), 0);
-    std::shuffle(order.begin(), order.end(), std::mt19937(20240229));
-    for (const int i : order) {
-        read(i % count);
-        ASSERT_EQ(picture.bits, linear[static_cast<std::size_t>(i % count)].bits) << i % count;
-    }
+    ExpectLikeness(ExpectAnyOrder(*decoder, MiddlesOf(count, 10)),
+                   FfmpegPictures(aviPath, decoder->outputWidth(), decoder->outputHeight()));
 }
 
 class RecordedCodec : public testing::TestWithParam<const char*> {};
@@ -199,10 +145,11 @@ struct Packet {
     bool keyFrame;
 };
 
-// Of all streams, in the order of the file.
-std::vector<Packet> PacketsOf(const std::string& path) {
-    std::istringstream lines(OutputOf("ffprobe -v quiet -show_packets -show_entries "
-                                      "packet=pos,size,flags -of csv=p=0 '" +
+// In the order of the file; of all streams unless `which` is an option that chooses one.
+std::vector<Packet> PacketsOf(const std::string& path, const std::string& which = "") {
+    std::istringstream lines(OutputOf("ffprobe -v quiet " + which +
+                                      " -show_packets -show_entries packet=pos,size,flags "
+                                      "-of csv=p=0 '" +
                                       path + "'"));
     std::vector<Packet> packets;
     std::string line;
@@ -221,25 +168,50 @@ std::vector<Packet> PacketsOf(const std::string& path) {
     return packets;
 }
 
+// An AVI file, open.
+class OpenFile {
+public:
+    explicit OpenFile(const std::string& path)
+        : m_file(FileAt(path))
+        , m_stream(m_file.Get())
+        , m_reader(&m_stream) {}
+
+    AVI20::Read::Reader& Reader() { return m_reader; }
+
+private:
+    static com::ComPtr<::IStream> FileAt(const std::string& path) {
+        com::ComPtr<::IStream> file;
+        EXPECT_EQ(SHCreateStreamOnFileW(win32::Utf8ToWide(path).c_str(), STGM_READ, file.Put()),
+                  S_OK);
+        return file;
+    }
+
+    com::ComPtr<::IStream> m_file;
+    AVI20::Read::WindowsStream m_stream;
+    AVI20::Read::Reader m_reader;
+};
+
+void ExpectFrames(const AVI20::Read::MediaStreamReader& frames,
+                  const std::vector<Packet>& packets) {
+    ASSERT_EQ(frames.GetFrameCount(), packets.size());
+    // Of a file that it jumps about in, ffprobe tells the payloads' places, else the chunks'.
+    const std::uint64_t header = frames.GetFrameOffset(0) == packets[0].place ? 0 : 8;
+    for (std::uint32_t frame = 0; frame < packets.size(); ++frame) {
+        EXPECT_EQ(frames.GetFrameOffset(frame), packets[frame].place + header);
+        EXPECT_EQ(frames.GetFrameSize(frame), packets[frame].size);
+        EXPECT_EQ(frames.IsKeyFrame(frame), packets[frame].keyFrame) << frame;
+    }
+}
+
 void ExpectFramesOfFfprobe(const std::string& path, std::size_t streams, bool oldIndex) {
-    com::ComPtr<::IStream> file;
-    ASSERT_EQ(SHCreateStreamOnFileW(win32::Utf8ToWide(path).c_str(), STGM_READ, file.Put()), S_OK);
-    AVI20::Read::WindowsStream stream(file.Get());
-    AVI20::Read::Reader reader(&stream);
-    ASSERT_EQ(reader.GetStreamCount(), streams);
+    OpenFile file(path);
+    ASSERT_EQ(file.Reader().GetStreamCount(), streams);
     const auto packets = PacketsOf(path);
     ASSERT_GE(packets.size(), 40U);
     for (std::size_t i = 0; i < streams; ++i) {
-        const auto frames = reader.GetMediaStreamReader(i);
+        const auto frames = file.Reader().GetMediaStreamReader(i);
         EXPECT_EQ(frames.GetStreamInfo().isOldIndex, oldIndex);
-        ASSERT_EQ(frames.GetFrameCount(), packets.size());
-        // Of a file that it jumps about in, ffprobe tells the payloads' places, else the chunks'.
-        const std::uint64_t header = frames.GetFrameOffset(0) == packets[0].place ? 0 : 8;
-        for (std::uint32_t frame = 0; frame < packets.size(); ++frame) {
-            EXPECT_EQ(frames.GetFrameOffset(frame), packets[frame].place + header);
-            EXPECT_EQ(frames.GetFrameSize(frame), packets[frame].size);
-            EXPECT_EQ(frames.IsKeyFrame(frame), packets[frame].keyFrame) << frame;
-        }
+        ExpectFrames(frames, packets);
     }
 }
 
@@ -262,6 +234,53 @@ TEST(OpenDmlFrameTable, IsThatOfFfprobe) {
         folder.Write("dml.avi", Avi::OneVideo({FourCc("cvid"), FourCc("cvid"), 64, 48}, frames,
                                               Avi::IndexKind::OpenDml)),
         1, false);
+}
+
+// A file of more than a gigabyte is the smallest that ffmpeg writes with an OpenDML index: pictures
+// and sound, each with standard indexes of its own in the first list and in an "AVIX" list.
+TEST(OpenDmlFrameTable, OfALargeFileOfTwoStreamsIsThatOfFfprobe) {
+    if (std::getenv("ZANTHE_LARGE_FILES") == nullptr) {
+        GTEST_SKIP() << "ZANTHE_LARGE_FILES is not set: it takes 1.2 GB of disk";
+    }
+    const TemporaryFolder folder;
+    const std::string path = folder / "large.avi";
+    OutputOf("ffmpeg -nostdin -v error -f lavfi -i testsrc2=size=1921x1081:rate=30:duration=6 "
+             "-f lavfi -i sine=frequency=440:duration=6 -map 0 -map 1 -c:v rawvideo -pix_fmt bgr24 "
+             "-c:a pcm_s16le '" +
+             path + "'");
+    OpenFile file(path);
+    ASSERT_EQ(file.Reader().GetStreamCount(), 2U);
+    for (std::size_t i = 0; i < 2; ++i) {
+        const auto frames = file.Reader().GetMediaStreamReader(i);
+        EXPECT_FALSE(frames.GetStreamInfo().isOldIndex);
+        const auto packets = PacketsOf(path, "-select_streams " + std::to_string(i));
+        ASSERT_GE(packets.size(), 180U);
+        EXPECT_GT(packets.back().place, std::uint64_t{1} << 30);
+        ExpectFrames(frames, packets);
+    }
+}
+
+// Real files of one stream, among them ones with an index that names chunks of another one.
+TEST(RealFrameTables, AreThoseOfFfprobe) {
+    const auto files = RealMedia("avi");
+    if (files.empty()) {
+        GTEST_SKIP() << "no real media beside the checkout";
+    }
+    std::size_t compared = 0;
+    for (const auto& path : files) {
+        SCOPED_TRACE(path.string());
+        OpenFile file(path.string());
+        const auto packets = PacketsOf(path.string());
+        for (std::size_t i = 0; i < file.Reader().GetStreamCount(); ++i) {
+            const auto frames = file.Reader().GetMediaStreamReader(i);
+            EXPECT_GT(frames.GetFrameCount(), 0U);
+            if (frames.GetFrameCount() == packets.size()) {
+                ExpectFrames(frames, packets);
+                ++compared;
+            }
+        }
+    }
+    EXPECT_GT(compared, 0U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, FrameTable,

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/zanthe/h264/ScriptedMedia.h"
@@ -93,6 +94,17 @@ TEST(ColorConversionInfo, TravelsWithASample) {
     EXPECT_EQ(sample->GetUINT32(MF_MT_VIDEO_NOMINAL_RANGE, &value), S_OK);
     EXPECT_EQ(value, 1U);
     EXPECT_EQ(ColorConversionInfo(sample.Get()), color);
+}
+
+TEST(ColorConversionInfo, ASampleThatTakesNoMatrixGetsTheRangeAllTheSame) {
+    const auto sample = com::MakeOwned<ScriptedSample>(0, 1);
+    sample->setsToFail = 1;
+    ColorConversionInfo color;
+    color.nominalRange = 1;
+    color.matrix = 3;
+    color.AttachToSample(sample.Get());
+    EXPECT_THAT(sample->keysSet, testing::ElementsAre(MF_MT_YUV_MATRIX, MF_MT_VIDEO_NOMINAL_RANGE));
+    EXPECT_EQ(ColorConversionInfo(sample.Get()).nominalRange, 1U);
 }
 
 TEST(ColorConversionInfo, WhatASampleLacksIsUnknown) {

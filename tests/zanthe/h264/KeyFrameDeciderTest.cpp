@@ -14,63 +14,25 @@
 #include "platform/mf/MediaFormats.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
+#include "tests/zanthe/h264/ScriptedCollector.h"
 
 namespace Zanthe {
 namespace {
 
-struct Table {
-    std::vector<std::int64_t> keyFrameTimes;
-    std::int64_t duration = 0;
-    bool collected = true;
-};
-
-class ScriptedCollector : public IH264KeyframeCollector {
-public:
-    ScriptedCollector(Table table, std::atomic<int>* runs)
-        : m_table(std::move(table))
-        , m_runs(runs) {}
-
-    // IH264KeyframeCollector
-    bool CollectKeyframeTimesAndDuration(const std::string&, std::int64_t,
-                                         std::vector<std::int64_t>& keyFrameTimes,
-                                         std::int64_t& duration) override {
-        ++*m_runs;
-        keyFrameTimes = m_table.keyFrameTimes;
-        duration = m_table.duration;
-        return m_table.collected;
-    }
-
-private:
-    Table m_table;
-    std::atomic<int>* m_runs;
-};
-
-class ThrowingCollector : public IH264KeyframeCollector {
-public:
-    // IH264KeyframeCollector
-    bool CollectKeyframeTimesAndDuration(const std::string&, std::int64_t,
-                                         std::vector<std::int64_t>& keyFrameTimes,
-                                         std::int64_t& duration) override {
-        keyFrameTimes = {0, 100};
-        duration = 200;
-        throw std::bad_alloc();
-    }
-};
-
 using Decider = KeyFrameCollectingSeekOrStepThroughDecider;
-
-// A path that no decider of this process has seen: what is collected is kept for good.
-std::string FreshPath() {
-    static std::atomic<int> count = 0;
-    return "/none/" + std::to_string(++count);
-}
 
 class KeyFrameDecider : public testing::Test {
 protected:
-    std::unique_ptr<Decider> Make(Table table, const std::string& path = FreshPath(),
+    std::unique_ptr<Decider> Make(KeyFrameTable table, const std::string& path = FreshPath(),
                                   GUID subtype = MFVideoFormat_H264) {
-        return std::make_unique<Decider>(
-            path, 0, 0, subtype, std::make_unique<ScriptedCollector>(std::move(table), &m_runs));
+        return MakeWith(MakeCollection(std::move(table), [this] { ++m_runs; }), path, subtype);
+    }
+
+    static std::unique_ptr<Decider> MakeWith(const std::shared_ptr<Collection>& collection,
+                                             const std::string& path = FreshPath(),
+                                             GUID subtype = MFVideoFormat_H264) {
+        return std::make_unique<Decider>(path, 0, 7, subtype,
+                                         std::make_unique<ScriptedCollector>(collection));
     }
 
     std::atomic<int> m_runs = 0;
@@ -175,10 +137,9 @@ TEST_F(KeyFrameDecider, AFailedCollectionIsKeptToo) {
 }
 
 TEST_F(KeyFrameDecider, ACollectorThatThrowsHasFailed) {
-    const std::string path = FreshPath();
-    const Decider decider(path, 0, 0, MFVideoFormat_H264, std::make_unique<ThrowingCollector>());
-    ExpectNoTimes(decider, 0, 150);
-    EXPECT_FALSE(decider.CollectionSucceeded());
+    const auto decider = MakeWith(MakeCollection({{0, 100}, 200}, [] { throw std::bad_alloc(); }));
+    ExpectNoTimes(*decider, 0, 150);
+    EXPECT_FALSE(decider->CollectionSucceeded());
 }
 
 TEST_F(KeyFrameDecider, ElementaryStreamsHaveNoTable) {
@@ -190,6 +151,22 @@ TEST_F(KeyFrameDecider, ElementaryStreamsHaveNoTable) {
         ExpectNoTimes(*Make({{0, 100}, 200}, path), 0, 1);
     }
     EXPECT_EQ(m_runs, 0);
+}
+
+TEST_F(KeyFrameDecider, AnElementaryStreamHasTheTableOfItsPath) {
+    const std::string path = FreshPath();
+    Make({{0, 100, 200, 210}, 260}, path).reset();
+    const auto decider = Make({{}, 0, false}, path, MFVideoFormat_H264_ES);
+    EXPECT_TRUE(decider->NeedToSeekBetweenTimes(0, 200));
+    EXPECT_FALSE(decider->NeedToSeekBetweenTimes(0, 150));
+}
+
+TEST_F(KeyFrameDecider, TheCollectorIsToldTheFileAndItsStart) {
+    const std::string path = FreshPath();
+    const auto collection = MakeCollection({{0}, 100});
+    MakeWith(collection, path).reset();
+    EXPECT_EQ(collection->path, path);
+    EXPECT_EQ(collection->firstSampleTime, 7);
 }
 
 TEST_F(KeyFrameDecider, ReadsMp4FilesByItself) {

@@ -3,6 +3,7 @@
 #include <limits>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -10,6 +11,7 @@
 
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
+#include "tests/zanthe/h264/HeadersAlone.h"
 #include "tests/zanthe/h264/ScriptedOpening.h"
 #include "zanthe/h264/H264KeyframeCollector_MF.h"
 #include "zanthe/h264/H264KeyframeCollector_MP4V2.h"
@@ -61,6 +63,26 @@ TEST(KeyframeCollectorMp4, WhatHasNoVideo) {
     ExpectNothing(Collect<H264KeyframeCollector_MP4V2>(MadeMedia("mp4-audio-only.mp4")));
 }
 
+TEST(KeyframeCollectorMp4, WithoutSamplesThereIsNoEnd) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Write("a.mp4", WithoutSamples(4000));
+    ASSERT_EQ(WinH264DurationUtil::GetRefTimeDuration(path), 4 * Second);
+    ExpectNothing(Collect<H264KeyframeCollector_MP4V2>(path));
+}
+
+TEST(KeyframeCollectorMp4, WithoutKeyFramesTheEndIsToldAllTheSame) {
+    const TemporaryFolder folder;
+    std::string bytes = ReadWholeFile(MadeMedia("h264/plain.mp4"));
+    const std::size_t table = bytes.find("stss");
+    ASSERT_NE(table, std::string::npos);
+    // One key frame is left, and it is none of the samples.
+    bytes.replace(table + 8, 8, boxes::U32(1) + boxes::U32(1000));
+    const Collected collected = Collect<H264KeyframeCollector_MP4V2>(folder.Write("a.mp4", bytes));
+    EXPECT_FALSE(collected.answer);
+    EXPECT_THAT(collected.times, IsEmpty());
+    EXPECT_EQ(collected.duration, 4 * Second);
+}
+
 // Which of the two paths it takes out shows in the number of files that are open.
 TEST(KeyframeCollectorMp4, ClosesTheFile) {
     const auto open = [] {
@@ -92,6 +114,17 @@ TEST(KeyframeCollectorMf, TimesCountFromTheFirstSample) {
     EXPECT_EQ(script->subtypeSet, MFVideoFormat_H264);
     EXPECT_EQ(script->streamsRead[0], MF_SOURCE_READER_FIRST_VIDEO_STREAM);
     EXPECT_EQ(script->streamsRead[1], 1U); // as the read before told
+}
+
+TEST(KeyframeCollectorMf, OnlyTheFirstVideoStreamIsReadAndAsItIs) {
+    const auto script = MakeScript(Pictures(3, 100));
+    const ScriptedOpening opening(script);
+    EXPECT_TRUE(Collect<H264KeyframeCollector_MF>("any").answer);
+    EXPECT_EQ(script->streamTyped, MF_SOURCE_READER_FIRST_VIDEO_STREAM);
+    EXPECT_EQ(script->typeSet.Get(), script->nativeType.Get());
+    EXPECT_THAT(script->selections,
+                ElementsAre(std::pair(MF_SOURCE_READER_ALL_STREAMS, false),
+                            std::pair(MF_SOURCE_READER_FIRST_VIDEO_STREAM, true)));
 }
 
 TEST(KeyframeCollectorMf, AStreamThatIsNotToldIsTheFirstOne) {
@@ -183,6 +216,7 @@ TEST(WinH264DurationUtil, Failures) {
 TEST(ReferenceTimeOf, IsCut) {
     EXPECT_EQ(ReferenceTimeOf(1, 3), 3'333'333);
     EXPECT_EQ(ReferenceTimeOf(1001, 30000), 333'666);
+    EXPECT_EQ(ReferenceTimeOf(41, 25), 16'399'999); // divided first
     EXPECT_EQ(ReferenceTimeOf(std::uint64_t{1} << 63, std::uint64_t{1} << 33), 10737418240000000);
 }
 

@@ -89,6 +89,7 @@ TEST_F(VideoSampleOnDevice, HasNoMemory) {
     EXPECT_EQ(sample->data(), nullptr);
     EXPECT_EQ(m_buffer->locks, 0);
     sample->unlockData();
+    EXPECT_EQ(m_buffer->locks, -1); // the buffer is told, whatever lockData did
 }
 
 TEST_F(VideoSampleOnDevice, AConvertedSampleIsNotAsked) {

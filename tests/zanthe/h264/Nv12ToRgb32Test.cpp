@@ -1,12 +1,17 @@
 #include "zanthe/h264/Nv12ToRgb32.h"
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/com/ClassRegistry.h"
 #include "tests/zanthe/h264/ScriptedSourceReader.h"
+#include "tests/zanthe/h264/ScriptedTransform.h"
+
+using testing::ElementsAre;
 
 namespace Zanthe {
 namespace {
@@ -89,7 +94,7 @@ protected:
     }
 
     com::ComPtr<IMFSample> Convert(FrameSize native) {
-        return m_converter.Convert(m_sample.Get(), m_reader.Get(), 0, native, {16, 16});
+        return m_converter.Convert(m_sample.Get(), m_reader.Get(), 1, native, {16, 16});
     }
 
     Script m_script = MakeScript({});
@@ -150,6 +155,111 @@ TEST_F(Nv12Conversion, ASampleWithoutABufferGivesNothing) {
     const auto bare = com::MakeOwned<ScriptedSample>(0, 1);
     EXPECT_FALSE(m_converter.Convert(bare.Get(), m_reader.Get(), 0, {16, 12}, {16, 16}));
     EXPECT_TRUE(Convert({16, 16})); // the next one is served
+}
+
+class Nv12Converter : public Nv12Conversion {
+protected:
+    Nv12Converter() { m_transform->outputBytes = 16 * 16 * 4; }
+
+    std::shared_ptr<TransformScript> m_transform = std::make_shared<TransformScript>();
+    ScriptedConverters m_converters{m_transform};
+};
+
+TEST_F(Nv12Converter, IsMadeOnceAndTurnsSampleBySample) {
+    EXPECT_TRUE(Convert({16, 16}));
+    EXPECT_THAT(m_transform->calls,
+                ElementsAre(TransformCall::InputType, TransformCall::OutputType,
+                            TransformCall::StreamInfo, TransformCall::Begin, TransformCall::Input,
+                            TransformCall::StreamInfo, TransformCall::Output));
+    m_transform->calls.clear();
+    EXPECT_TRUE(Convert({16, 16}));
+    EXPECT_THAT(m_transform->calls, ElementsAre(TransformCall::Input, TransformCall::StreamInfo,
+                                                TransformCall::Output));
+    EXPECT_EQ(m_transform->made, 1);
+    EXPECT_THAT(m_transform->inputs, ElementsAre(m_sample.Get(), m_sample.Get()));
+}
+
+TEST_F(Nv12Converter, TakesTheTypeOfTheStream) {
+    MFSetAttributeRatio(m_script->currentType.Get(), MF_MT_PIXEL_ASPECT_RATIO, 4, 3);
+    m_script->currentType->SetUINT32(MF_MT_INTERLACE_MODE, MFVideoInterlace_Progressive);
+    MFSetAttributeSize(m_script->currentType.Get(), MF_MT_FRAME_SIZE, 20, 20);
+    Convert({16, 16});
+    EXPECT_EQ(m_script->streamDescribed, 1U);
+    EXPECT_EQ(m_transform->inputType.Get(), m_script->currentType.Get());
+    IMFMediaType* type = m_transform->outputType.Get();
+    GUID major{};
+    GUID subtype{};
+    EXPECT_EQ(type->GetGUID(MF_MT_MAJOR_TYPE, &major), S_OK);
+    EXPECT_EQ(type->GetGUID(MF_MT_SUBTYPE, &subtype), S_OK);
+    EXPECT_EQ(major, MFMediaType_Video);
+    EXPECT_EQ(subtype, MFVideoFormat_RGB32);
+    EXPECT_EQ(MFGetAttributeUINT64(type, MF_MT_FRAME_SIZE, 0), Pack2UINT32AsUINT64(16, 16));
+    EXPECT_EQ(MFGetAttributeUINT64(type, MF_MT_FRAME_RATE, 0), Pack2UINT32AsUINT64(30, 1));
+    EXPECT_EQ(MFGetAttributeUINT64(type, MF_MT_PIXEL_ASPECT_RATIO, 0), Pack2UINT32AsUINT64(4, 3));
+    EXPECT_EQ(MFGetAttributeUINT32(type, MF_MT_INTERLACE_MODE, 0),
+              UINT32{MFVideoInterlace_Progressive});
+}
+
+TEST_F(Nv12Converter, PixelsAreSquareWhereNobodySays) {
+    Convert({16, 16});
+    EXPECT_EQ(MFGetAttributeUINT64(m_transform->outputType.Get(), MF_MT_PIXEL_ASPECT_RATIO, 0),
+              Pack2UINT32AsUINT64(1, 1));
+}
+
+TEST_F(Nv12Converter, BeginsOnlyWithTypesThatItTook) {
+    using Result = HRESULT TransformScript::*;
+    for (const Result result :
+         {&TransformScript::outputTypeResult, &TransformScript::streamInfoResult}) {
+        *m_transform = {};
+        (*m_transform).*result = E_FAIL;
+        Nv12ToRgb32().Convert(m_sample.Get(), m_reader.Get(), 1, {16, 16}, {16, 16});
+        EXPECT_THAT(m_transform->calls, testing::Not(testing::Contains(TransformCall::Begin)));
+    }
+}
+
+TEST_F(Nv12Converter, TheSampleIsDescribedBeforeAndBehindIt) {
+    UINT64 size = 0;
+    GUID subtype{};
+    DWORD room = 0;
+    m_transform->onOutput = [&](IMFSample& sample) {
+        size = MFGetAttributeUINT64(&sample, MF_MT_FRAME_SIZE, 0);
+        sample.GetGUID(MF_MT_SUBTYPE, &subtype);
+        com::ComPtr<IMFMediaBuffer> buffer;
+        sample.GetBufferByIndex(0, buffer.Put());
+        buffer->GetMaxLength(&room);
+        MFSetAttributeSize(&sample, MF_MT_FRAME_SIZE, 1, 2);
+    };
+    const auto converted = Convert({16, 16});
+    ASSERT_TRUE(converted);
+    EXPECT_EQ(size, Pack2UINT32AsUINT64(16, 16));
+    EXPECT_EQ(subtype, MFVideoFormat_RGB32);
+    EXPECT_EQ(room, 16U * 16 * 4);
+    EXPECT_EQ(MFGetAttributeUINT64(converted.Get(), MF_MT_FRAME_SIZE, 0),
+              Pack2UINT32AsUINT64(16, 16));
+}
+
+TEST_F(Nv12Converter, EveryPixelIsMadeOpaque) {
+    m_transform->onOutput = [](IMFSample& sample) {
+        com::ComPtr<IMFMediaBuffer> buffer;
+        sample.GetBufferByIndex(0, buffer.Put());
+        BYTE* bytes = nullptr;
+        buffer->Lock(&bytes, nullptr, nullptr);
+        std::fill_n(bytes, 16 * 16 * 4, BYTE{0});
+        buffer->Unlock();
+        buffer->SetCurrentLength(16 * 16 * 4);
+    };
+    const auto converted = Convert({16, 16});
+    ASSERT_TRUE(converted);
+    const Bytes pixels = PixelsOf(converted.Get());
+    ASSERT_EQ(pixels.size(), 16U * 16 * 4);
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
+        ASSERT_EQ(pixels[i], i % 4 == 3 ? 255 : 0) << i;
+    }
+}
+
+TEST_F(Nv12Converter, WhatItCannotFillIsNothing) {
+    m_transform->outputResult = E_FAIL;
+    EXPECT_FALSE(Convert({16, 16}));
 }
 
 } // namespace

@@ -15,6 +15,9 @@
 template <typename Interface>
 class ScriptedAttributes : public com::Object<Interface> {
 public:
+    int setsToFail = 0;
+    std::vector<GUID> keysSet; // in order, those that failed included
+
     HRESULT GetUINT32(REFGUID key, UINT32* value) override { return Get(key, value); }
 
     HRESULT GetUINT64(REFGUID key, UINT64* value) override { return Get(key, value); }
@@ -111,6 +114,11 @@ private:
 
     template <typename T>
     HRESULT Set(REFGUID key, T value) {
+        keysSet.push_back(key);
+        if (setsToFail > 0) {
+            --setsToFail;
+            return E_OUTOFMEMORY;
+        }
         m_values.insert_or_assign(key, std::move(value));
         return S_OK;
     }

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -99,7 +100,12 @@ public:
         if (m_living) {
             --*m_living;
         }
+        if (onEnd) {
+            onEnd();
+        }
     }
+
+    std::function<void()> onEnd;
 
     // IMFSample
     HRESULT GetSampleTime(LONGLONG* time) override {
@@ -172,6 +178,14 @@ private:
 // It has no device; readers look at its address alone.
 class ScriptedDeviceManager final : public com::Object<IMFDXGIDeviceManager> {
 public:
+    ~ScriptedDeviceManager() override {
+        if (onEnd) {
+            onEnd();
+        }
+    }
+
+    std::function<void()> onEnd;
+
     // IMFDXGIDeviceManager
     HRESULT CloseDeviceHandle(HANDLE) override { return E_NOTIMPL; }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <limits>
 #include <utility>
+#include <vector>
 
 #include "platform/mf/SourceReaderFactory.h"
 #include "tests/zanthe/h264/ScriptedSourceReader.h"
@@ -20,8 +22,8 @@ public:
         , m_before(mf::SetSourceReaderFactory(
               [this](LPCWSTR, IMFAttributes* attributes, IMFSourceReader** reader) {
                   requests.push_back(Describe(attributes));
-                  if (FAILED(result)) {
-                      return result;
+                  if (FAILED(result) || requests.size() > mostReaders) {
+                      return FAILED(result) ? result : E_FAIL;
                   }
                   // The device is granted to whoever asks for it.
                   m_script->place = requests.back().hasDevice ? Place::Device : Place::Memory;
@@ -35,6 +37,7 @@ public:
     ~ScriptedOpening() { mf::SetSourceReaderFactory(std::move(m_before)); }
 
     HRESULT result = S_OK;
+    std::size_t mostReaders = std::numeric_limits<std::size_t>::max();
     std::vector<Request> requests;
 
 private:

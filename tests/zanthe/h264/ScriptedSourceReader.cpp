@@ -10,6 +10,12 @@ public:
         : m_script(std::move(script))
         , m_selected(static_cast<std::size_t>(m_script->streams), true) {}
 
+    ~ScriptedSourceReader() override {
+        if (m_script->onReaderEnd) {
+            m_script->onReaderEnd();
+        }
+    }
+
     // IMFSourceReader
     HRESULT GetStreamSelection(DWORD index, BOOL* selected) override {
         if (index >= m_selected.size()) {
@@ -20,6 +26,7 @@ public:
     }
 
     HRESULT SetStreamSelection(DWORD index, BOOL selected) override {
+        m_script->selections.emplace_back(index, selected != FALSE);
         if (index == MF_SOURCE_READER_ALL_STREAMS) {
             m_selected.assign(m_selected.size(), selected != FALSE);
             return m_script->deselectResult;
@@ -27,7 +34,8 @@ public:
         if (FAILED(m_script->selectResult)) {
             return m_script->selectResult;
         }
-        m_selected.at(static_cast<std::size_t>(m_script->videoStream)) = selected != FALSE;
+        m_selected.at(static_cast<std::size_t>(m_script->videoStream)) =
+            selected != FALSE && m_script->videoIsSelected;
         return S_OK;
     }
 
@@ -38,12 +46,15 @@ public:
         return m_script->nativeTypeResult;
     }
 
-    HRESULT GetCurrentMediaType(DWORD, IMFMediaType** type) override {
+    HRESULT GetCurrentMediaType(DWORD stream, IMFMediaType** type) override {
+        m_script->streamDescribed = stream;
         m_script->currentType.CopyTo(type);
         return m_script->currentType ? S_OK : E_FAIL;
     }
 
-    HRESULT SetCurrentMediaType(DWORD, DWORD*, IMFMediaType* type) override {
+    HRESULT SetCurrentMediaType(DWORD stream, DWORD*, IMFMediaType* type) override {
+        m_script->streamTyped = stream;
+        m_script->typeSet = com::ComPtr<IMFMediaType>(type);
         type->GetGUID(MF_MT_SUBTYPE, &m_script->subtypeSet);
         return m_script->setTypeResult;
     }
@@ -52,6 +63,7 @@ public:
         if (!(timeFormat == GUID_NULL) || position.vt != VT_I8) {
             return MF_E_UNSUPPORTED_TIME_FORMAT;
         }
+        m_script->calls.push_back(ReaderCall::Position);
         m_script->positions.push_back(position.hVal.QuadPart);
         if (FAILED(m_script->positionResult)) {
             return m_script->positionResult;
@@ -63,12 +75,16 @@ public:
 
     HRESULT ReadSample(DWORD stream, DWORD, DWORD* actual, DWORD* flags, LONGLONG* time,
                        IMFSample** sample) override {
+        m_script->calls.push_back(ReaderCall::Read);
         m_script->streamsRead.push_back(stream);
+        *sample = nullptr;
+        *flags = 0;
+        if (stream >= m_selected.size() && stream != MF_SOURCE_READER_FIRST_VIDEO_STREAM) {
+            return MF_E_INVALIDSTREAMNUMBER;
+        }
         const int number = m_script->reads++;
         const ReadOutcome outcome =
             m_script->outcome ? m_script->outcome(number) : ReadOutcome::Sample;
-        *sample = nullptr;
-        *flags = 0;
         if (outcome == ReadOutcome::Failed) {
             return E_FAIL;
         }
@@ -89,9 +105,10 @@ public:
         return S_OK;
     }
 
-    HRESULT Flush(DWORD) override {
-        ++m_script->flushes;
-        return S_OK;
+    HRESULT Flush(DWORD stream) override {
+        m_script->calls.push_back(ReaderCall::Flush);
+        m_script->streamsFlushed.push_back(stream);
+        return m_script->flushResult;
     }
 
     HRESULT GetServiceForStream(DWORD, REFGUID, REFIID, void**) override { return E_NOTIMPL; }
@@ -122,6 +139,7 @@ private:
     com::ComPtr<ScriptedSample> MakeSample(const Picture& picture) const {
         auto sample =
             com::MakeOwned<ScriptedSample>(picture.time, picture.duration, m_script->living);
+        sample->onEnd = m_script->onSampleEnd;
         sample->SetUINT32(MFSampleExtension_CleanPoint, picture.isKey ? 1 : 0);
         sample->AddBuffer(
             com::MakeOwned<ScriptedBuffer>(m_script->bufferBytes, m_script->place).Get());

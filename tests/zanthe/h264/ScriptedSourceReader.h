@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "platform/mf/SourceReader.h"
@@ -16,6 +17,9 @@ enum class ReadOutcome {
     Failed,
     EndWithSample, // the last one, which says so
 };
+
+// What a reader is asked for on the way to a picture.
+enum class ReaderCall { Flush, Position, Read };
 
 struct Picture {
     std::int64_t time = 0; // on the source's timeline, in units of 100 ns
@@ -42,10 +46,12 @@ struct SourceScript {
     HRESULT deselectResult = S_OK; // of all streams
     HRESULT selectResult = S_OK;   // of the video
     HRESULT positionResult = S_OK;
+    HRESULT flushResult = S_OK;
     std::int64_t presentationDuration = 0; // 0: none is told
     int streams = 2;                       // of which `videoStream` is the video
     int videoStream = 1;
-    bool indexIsTold = true; // by reads, to those who ask
+    bool videoIsSelected = true; // where that is asked for
+    bool indexIsTold = true;     // by reads, to those who ask
     Place place = Place::Memory;
     std::size_t bufferBytes = 64;
     com::ComPtr<ScriptedMediaType> nativeType;  // by default H.264 of 64x48, 30 a second
@@ -53,11 +59,18 @@ struct SourceScript {
 
     // What was asked.
     int reads = 0;
-    int flushes = 0;
+    std::vector<ReaderCall> calls;
     std::vector<std::int64_t> positions; // of the seeks
     std::vector<DWORD> streamsRead;
+    std::vector<DWORD> streamsFlushed;
+    std::vector<std::pair<DWORD, bool>> selections;
+    DWORD streamDescribed = 0;         // whose current type was asked for
+    DWORD streamTyped = 0;             // whose type was set
+    com::ComPtr<IMFMediaType> typeSet; // the caller's own
     GUID subtypeSet{};
     Living living = std::make_shared<std::atomic<int>>(0);
+    std::function<void()> onReaderEnd;
+    std::function<void()> onSampleEnd;
 };
 
 using Script = std::shared_ptr<SourceScript>;

@@ -1,6 +1,7 @@
 #include "zanthe/h264/SeekInfoSeekOrStepThroughDecider.h"
 
 #include <algorithm>
+#include <limits>
 #include <stdexcept>
 #include <vector>
 
@@ -22,7 +23,7 @@ public:
         : m_keyFrames(std::move(keyFrames)) {}
 
     std::vector<std::int64_t> asked;
-    bool fails = false;
+    std::size_t answers = std::numeric_limits<std::size_t>::max(); // behind them it fails
     bool alwaysTheSame = false;
 
     // IMFSeekInfo
@@ -32,7 +33,7 @@ public:
         EXPECT_EQ(start->vt, VT_I8);
         const std::int64_t position = start->hVal.QuadPart;
         asked.push_back(position);
-        if (fails) {
+        if (asked.size() > answers) {
             return E_FAIL;
         }
         const auto at = std::lower_bound(m_keyFrames.begin(), m_keyFrames.end(), position);
@@ -107,9 +108,18 @@ TEST(SeekInfoDecider, NoFurtherThanFifteenTimes) {
 
 TEST(SeekInfoDecider, WithoutAnAnswerItIsOneInterval) {
     const auto info = EverySecond();
-    info->fails = true;
+    info->answers = 0;
     const SeekInfoSeekOrStepThroughDecider decider("", info.Get(), 0);
     EXPECT_FALSE(decider.NeedToSeekBetweenTimes(0, 4 * Second));
+}
+
+// A position on a key frame whose next one is never told keeps that key frame.
+TEST(SeekInfoDecider, AnAnswerStandsWhenNoOtherFollows) {
+    const auto info = EverySecond();
+    info->answers = 1;
+    const SeekInfoSeekOrStepThroughDecider decider("", info.Get(), 0);
+    EXPECT_TRUE(decider.NeedToSeekBetweenTimes(Second, 3 * Second));
+    EXPECT_EQ(info->asked.size(), 32U);
 }
 
 TEST(SeekInfoDecider, HoldsItsSource) {

@@ -77,8 +77,11 @@ TEST(SequenceParameterSet, ChromaInfoBelongsToThirteenProfiles) {
     }
 }
 
+enum class Present { Every, EverySecond };
+
 // Chroma info with a matrix of `lists` scaling lists; each present one is full.
-std::function<void(BitWriter&)> ScalingMatrix(std::uint32_t chromaFormat, int lists) {
+std::function<void(BitWriter&)> ScalingMatrix(std::uint32_t chromaFormat, int lists,
+                                              Present which) {
     return [=](BitWriter& bits) {
         bits.Unsigned(chromaFormat);
         if (chromaFormat == 3) {
@@ -86,8 +89,9 @@ std::function<void(BitWriter&)> ScalingMatrix(std::uint32_t chromaFormat, int li
         }
         bits.Unsigned(0).Unsigned(0).Flag(false).Flag(true);
         for (int i = 0; i < lists; ++i) {
-            bits.Flag(i % 2 == 1);
-            for (int entry = 0; i % 2 == 1 && entry < (i < 6 ? 16 : 64); ++entry) {
+            const bool present = which == Present::Every || i % 2 == 1;
+            bits.Flag(present);
+            for (int entry = 0; present && entry < (i < 6 ? 16 : 64); ++entry) {
                 bits.Signed(entry % 3 - 1);
             }
         }
@@ -97,21 +101,25 @@ std::function<void(BitWriter&)> ScalingMatrix(std::uint32_t chromaFormat, int li
 TEST(SequenceParameterSet, ScalingListsAreSkippedInFull) {
     SetOptions options;
     options.profile = 100;
-    options.chromaInfo = ScalingMatrix(1, 8);
-    const SequenceParameterSet set = Parse(ParameterSet(options));
-    EXPECT_EQ(set.seq_scaling_list_present_flag.size(), 8U);
-    EXPECT_EQ(set.separate_colour_plane_flag, std::nullopt);
-    EXPECT_EQ(set.pic_width_in_mbs_minus1, 39U);
+    for (const Present which : {Present::Every, Present::EverySecond}) {
+        options.chromaInfo = ScalingMatrix(1, 8, which);
+        const SequenceParameterSet set = Parse(ParameterSet(options));
+        EXPECT_EQ(set.seq_scaling_list_present_flag.size(), 8U);
+        EXPECT_EQ(set.separate_colour_plane_flag, std::nullopt);
+        EXPECT_EQ(set.pic_width_in_mbs_minus1, 39U);
+    }
 }
 
 TEST(SequenceParameterSet, FullChromaHasTwelveScalingLists) {
     SetOptions options;
     options.profile = 244;
-    options.chromaInfo = ScalingMatrix(3, 12);
-    const SequenceParameterSet set = Parse(ParameterSet(options));
-    EXPECT_EQ(set.seq_scaling_list_present_flag.size(), 12U);
-    EXPECT_EQ(set.separate_colour_plane_flag, true);
-    EXPECT_EQ(set.pic_width_in_mbs_minus1, 39U);
+    for (const Present which : {Present::Every, Present::EverySecond}) {
+        options.chromaInfo = ScalingMatrix(3, 12, which);
+        const SequenceParameterSet set = Parse(ParameterSet(options));
+        EXPECT_EQ(set.seq_scaling_list_present_flag.size(), 12U);
+        EXPECT_EQ(set.separate_colour_plane_flag, true);
+        EXPECT_EQ(set.pic_width_in_mbs_minus1, 39U);
+    }
 }
 
 // A delta that ends a list early is not heeded, so what follows is read from the wrong place.
@@ -141,8 +149,8 @@ void WriteHrd(BitWriter& bits, std::uint32_t countMinus1) {
 TEST(SequenceParameterSet, AllOfTheVui) {
     SetOptions options;
     options.vui = [](BitWriter& bits) {
-        bits.Flag(true).Bits(255, 8).Bits(40000, 16).Bits(33, 16); // aspect ratio
-        bits.Flag(true).Flag(true);                                // overscan
+        bits.Flag(true).Bits(255, 8).Bits(40000, 16).Bits(30000, 16); // aspect ratio
+        bits.Flag(true).Flag(true);                                   // overscan
         bits.Flag(true).Bits(5, 3).Flag(true).Flag(true).Bits(9, 8).Bits(16, 8).Bits(7, 8);
         bits.Flag(true).Unsigned(1).Unsigned(2);                        // chroma location
         bits.Flag(true).Bits(1001, 32).Bits(0x80000001, 32).Flag(true); // timing
@@ -156,7 +164,7 @@ TEST(SequenceParameterSet, AllOfTheVui) {
     };
     const VuiParameters vui = Parse(ParameterSet(options)).vui_parameters;
     EXPECT_EQ(vui.sar_width, 40000);
-    EXPECT_EQ(vui.sar_height, 33);
+    EXPECT_EQ(vui.sar_height, 30000);
     EXPECT_EQ(vui.overscan_appropriate_flag, true);
     EXPECT_EQ(vui.video_format, 5);
     EXPECT_EQ(vui.colour_primaries, 9);
@@ -192,14 +200,23 @@ TEST(SequenceParameterSet, AVuiWithoutAnything) {
 
 TEST(SequenceParameterSet, OneDecoderModelIsEnoughForTheDelayFlag) {
     SetOptions options;
-    options.vui = [](BitWriter& bits) {
-        bits.Bits(0, 6);
-        WriteHrd(bits.Flag(true), 0);
-        bits.Flag(true).Bits(0, 2);
-    };
-    const VuiParameters vui = Parse(ParameterSet(options)).vui_parameters;
-    EXPECT_EQ(vui.nal_hrd_parameters_present_flag, false);
-    EXPECT_EQ(vui.low_delay_hrd_flag, true);
+    for (const bool nal : {false, true}) {
+        options.vui = [nal](BitWriter& bits) {
+            bits.Bits(0, 5);
+            if (nal) {
+                WriteHrd(bits.Flag(true), 0);
+                bits.Flag(false);
+            } else {
+                WriteHrd(bits.Flag(false).Flag(true), 0);
+            }
+            bits.Flag(true).Bits(0, 2);
+        };
+        const VuiParameters vui = Parse(ParameterSet(options)).vui_parameters;
+        EXPECT_EQ(vui.nal_hrd_parameters_present_flag, nal);
+        EXPECT_EQ(vui.vcl_hrd_parameters_present_flag, !nal);
+        EXPECT_EQ(vui.low_delay_hrd_flag, true);
+        EXPECT_EQ(vui.bitstream_restriction_flag, false);
+    }
 }
 
 // Counts that only the end of the data bounds.

@@ -10,7 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/zanthe/h264/ScriptedSourceReader.h"
+#include "tests/zanthe/h264/FastSampleFinderFixture.h"
 
 using testing::Each;
 using testing::ElementsAre;
@@ -18,86 +18,6 @@ using testing::IsEmpty;
 
 namespace Zanthe {
 namespace {
-
-constexpr auto ReturnedCurrent = ReadSampleOp::ReturnedCurrentSample;
-constexpr auto ReturnedPrevious = ReadSampleOp::ReturnedPreviousSample;
-constexpr auto ReadNext = ReadSampleOp::ReadNextSample;
-constexpr auto SeekBackward = ReadSampleOp::SeekBackward;
-constexpr auto SeekForward = ReadSampleOp::SeekForward;
-constexpr auto SeekFailed = ReadSampleOp::SeekFailed;
-
-class ScriptedDecider : public ISeekOrStepThroughDecider {
-public:
-    using Answer = std::function<bool(std::int64_t, std::int64_t)>;
-
-    explicit ScriptedDecider(Answer answer)
-        : m_answer(std::move(answer)) {}
-
-    // ISeekOrStepThroughDecider
-    bool NeedToSeekBetweenTimes(std::int64_t from, std::int64_t to) const override {
-        return m_answer(from, to);
-    }
-
-private:
-    Answer m_answer;
-};
-
-bool Step(std::int64_t, std::int64_t) {
-    return false;
-}
-
-bool Seek(std::int64_t, std::int64_t) {
-    return true;
-}
-
-// A time in units of 100 ns.
-MediaTime At(std::int64_t units) {
-    return {units, 10'000'000};
-}
-
-class FastSampleFinder : public testing::Test {
-protected:
-    FastSampleFinder() { Use(Pictures(10, 100)); }
-
-    void Use(std::vector<Picture> pictures) { m_script = MakeScript(std::move(pictures)); }
-
-    std::int64_t EndOfPictures() const {
-        const Picture& last = m_script->pictures.back();
-        return last.time + last.duration - m_script->pictures.front().time;
-    }
-
-    void Open(ScriptedDecider::Answer answer = Step, std::int64_t duration = -2) {
-        m_reader = MakeScriptedReader(m_script);
-        IMFSample* first = ReadFirst(m_reader.Get());
-        m_script->reads = 0;
-        m_finder = std::make_unique<WinH264FastSampleFinder>(
-            m_reader.Get(), first, duration == -2 ? EndOfPictures() : duration, 1,
-            std::make_unique<ScriptedDecider>(std::move(answer)), [this](IMFSample* sample) {
-                LONGLONG time = 0;
-                sample->GetSampleTime(&time);
-                m_seen.push_back(time);
-            });
-    }
-
-    com::ComPtr<IMFSample> Find(MediaTime time) {
-        return com::ComPtr<IMFSample>::Attach(m_finder->findSampleAtTime(time));
-    }
-
-    // The time of the sample found at `units`; -1 for none.
-    std::int64_t TimeFoundAt(std::int64_t units) {
-        const auto sample = Find(At(units));
-        LONGLONG time = -1;
-        if (sample) {
-            sample->GetSampleTime(&time);
-        }
-        return time;
-    }
-
-    Script m_script;
-    com::ComPtr<IMFSourceReader> m_reader;
-    std::vector<std::int64_t> m_seen; // by the callback
-    std::unique_ptr<WinH264FastSampleFinder> m_finder;
-};
 
 TEST_F(FastSampleFinder, TheFirstSampleAnswersAtOnce) {
     Open();
@@ -128,7 +48,7 @@ TEST_F(FastSampleFinder, TheNextPictureCostsOneRead) {
         EXPECT_EQ(m_script->reads, time / 100);
     }
     EXPECT_THAT(m_script->positions, IsEmpty());
-    EXPECT_EQ(m_script->flushes, 0);
+    EXPECT_THAT(m_script->streamsFlushed, IsEmpty());
 }
 
 TEST_F(FastSampleFinder, TheSampleBeforeIsHeld) {
@@ -165,9 +85,14 @@ TEST_F(FastSampleFinder, TimesAreCut) {
     EXPECT_EQ(time, 333'333);
 }
 
-// 41 / 25 s in doubles is a unit short of 1.64 s, where the picture before would do.
+// 41 / 25 s in doubles is a unit short of 1.64 s. That unit belongs to the next picture where a
+// sample lasts until a unit before it, as the reader's samples do.
 TEST_F(FastSampleFinder, EachPictureAnswersToItsOwnTime) {
-    Use(Pictures(100, 400'000));
+    std::vector<Picture> pictures = Pictures(100, 400'000);
+    for (Picture& picture : pictures) {
+        --picture.duration;
+    }
+    Use(std::move(pictures));
     Open();
     for (int i = 0; i < 100; ++i) {
         LONGLONG time = 0;
@@ -229,106 +154,6 @@ TEST_F(FastSampleFinder, TheFiveHundredthStepMayCoverTheTime) {
     EXPECT_THAT(m_finder->attempts(), ElementsAre(500));
 }
 
-TEST_F(FastSampleFinder, BackwardIsASeekAndARead) {
-    Open();
-    TimeFoundAt(700);
-    m_script->reads = 0;
-    EXPECT_EQ(TimeFoundAt(250), 200);
-    EXPECT_EQ(m_script->reads, 1);
-    EXPECT_EQ(m_script->flushes, 1);
-    EXPECT_THAT(m_script->positions, ElementsAre(250));
-    const auto& operations = m_finder->readSampleOps();
-    const std::vector<ReadSampleOp> last(operations.end() - 3, operations.end());
-    EXPECT_THAT(last, ElementsAre(SeekBackward, ReadNext, ReturnedCurrent));
-}
-
-TEST_F(FastSampleFinder, ForwardSeeksAreTheDeciders) {
-    std::vector<std::pair<std::int64_t, std::int64_t>> asked;
-    Open([&](std::int64_t from, std::int64_t to) {
-        asked.emplace_back(from, to);
-        return to - from > 200;
-    });
-    EXPECT_EQ(TimeFoundAt(750), 700);
-    EXPECT_EQ(m_script->reads, 1);
-    EXPECT_THAT(asked, ElementsAre(std::pair(0, 750)));
-    EXPECT_THAT(m_finder->readSampleOps(), ElementsAre(SeekForward, ReadNext, ReturnedCurrent));
-    EXPECT_EQ(TimeFoundAt(810), 800);
-    EXPECT_THAT(m_script->positions, ElementsAre(750));
-}
-
-TEST_F(FastSampleFinder, TheOriginIsTakenOffAfterManySeeks) {
-    Use(Pictures(10, 100, 12'345));
-    Open(Seek);
-    for (const std::int64_t time : {900, 300, 0, 700, 500, 100, 800}) {
-        EXPECT_EQ(TimeFoundAt(time), time);
-    }
-    EXPECT_THAT(m_script->positions,
-                ElementsAre(13'245, 12'645, 12'345, 13'045, 12'845, 12'445, 13'145));
-}
-
-// From a key frame on, the source gives all that leads to the time.
-TEST_F(FastSampleFinder, ALandingAheadOfTheTimeIsSteppedOn) {
-    m_script->landing = [](std::int64_t) { return std::size_t{4}; };
-    Open([](std::int64_t from, std::int64_t to) { return to - from > 600; });
-    EXPECT_EQ(TimeFoundAt(750), 700);
-    EXPECT_EQ(m_script->reads, 4);
-    EXPECT_THAT(m_finder->attempts(), ElementsAre(4));
-}
-
-// A source that always lands behind the time: seeks until the loop is seen.
-TEST_F(FastSampleFinder, LateLandingsAreGivenUp) {
-    m_script->landing = [](std::int64_t) { return std::size_t{8}; };
-    Open();
-    EXPECT_EQ(TimeFoundAt(500), 500);
-    m_script->reads = 0;
-    EXPECT_FALSE(Find(At(50)));
-    EXPECT_EQ(m_script->reads, 10);
-    EXPECT_EQ(m_script->positions.size(), 10U);
-    EXPECT_THAT(m_finder->attempts(), ElementsAre(5)); // of the search before
-    EXPECT_EQ(m_finder->readSampleOps().back(), ReadNext);
-}
-
-TEST_F(FastSampleFinder, ATimeInAGapIsGivenUp) {
-    Use({{0, 100, true}, {200, 100, true}, {300, 100, true}});
-    Open();
-    EXPECT_EQ(TimeFoundAt(250), 200);
-    // Seeks to 150 land at 0; the step from there goes too far, and so on.
-    EXPECT_FALSE(Find(At(150)));
-    EXPECT_EQ(m_script->positions.size(), 10U);
-    EXPECT_LT(m_script->reads, 30);
-    EXPECT_EQ(TimeFoundAt(50), 0); // what is held serves on
-}
-
-TEST_F(FastSampleFinder, AlternatingLandingsAreGivenUp) {
-    std::size_t turn = 0;
-    m_script->landing = [&](std::int64_t) { return turn++ % 2 == 0 ? std::size_t{5} : 7; };
-    Open();
-    TimeFoundAt(900);
-    m_script->reads = 0;
-    EXPECT_FALSE(Find(At(0)));
-    EXPECT_EQ(m_script->reads, 10);
-}
-
-TEST_F(FastSampleFinder, APositionThatCannotBeSet) {
-    Open();
-    TimeFoundAt(700);
-    m_script->positionResult = E_FAIL;
-    EXPECT_FALSE(Find(At(100)));
-    EXPECT_EQ(m_finder->readSampleOps().back(), SeekFailed);
-    EXPECT_EQ(m_finder->currentSample(), nullptr);
-    EXPECT_THAT(m_finder->attempts(), ElementsAre(7));
-    // Forward from nothing, as far as the stream has not been read.
-    m_script->positionResult = S_OK;
-    EXPECT_EQ(TimeFoundAt(850), 800);
-}
-
-TEST_F(FastSampleFinder, AForwardPositionThatCannotBeSet) {
-    m_script->positionResult = E_FAIL;
-    Open(Seek);
-    EXPECT_FALSE(Find(At(100)));
-    EXPECT_THAT(m_finder->readSampleOps(), ElementsAre(SeekForward, SeekFailed));
-}
-
 TEST_F(FastSampleFinder, TicksAndFailedReadsAreStepsThatGotNowhere) {
     m_script->outcome = [](int read) {
         if (read % 3 == 0) {
@@ -342,6 +167,17 @@ TEST_F(FastSampleFinder, TicksAndFailedReadsAreStepsThatGotNowhere) {
     EXPECT_EQ(m_script->reads, 7);
     EXPECT_THAT(m_finder->attempts(), ElementsAre(7));
     EXPECT_THAT(m_finder->readSampleFailures(), IsEmpty());
+}
+
+// What a read says beside its sample is not looked at.
+TEST_F(FastSampleFinder, AnEndWithASampleIsReadOn) {
+    m_script->outcome = [](int read) {
+        return read < 3 ? ReadOutcome::EndWithSample : ReadOutcome::Sample;
+    };
+    Open();
+    EXPECT_EQ(TimeFoundAt(100), 100);
+    EXPECT_EQ(TimeFoundAt(500), 500);
+    EXPECT_EQ(m_script->reads, 5);
 }
 
 TEST_F(FastSampleFinder, EndlessFailureEnds) {
@@ -406,6 +242,19 @@ TEST_F(FastSampleFinder, AnotherFailureOfTheNativeTypeIsNone) {
     m_script->nativeTypeResult = E_FAIL;
     Open();
     EXPECT_EQ(TimeFoundAt(100), 100);
+    EXPECT_EQ(m_finder->frameRateNumerator(), 30U);
+    EXPECT_EQ(m_finder->frameRateDenominator(), 1U);
+}
+
+TEST_F(FastSampleFinder, TheFrameRateIsTheNativeTypes) {
+    MFSetAttributeRatio(m_script->nativeType.Get(), MF_MT_FRAME_RATE, 24000, 1001);
+    Open();
+    EXPECT_EQ(m_finder->frameRateNumerator(), 24000U);
+    EXPECT_EQ(m_finder->frameRateDenominator(), 1001U);
+    m_script->nativeType = com::MakeOwned<ScriptedMediaType>();
+    Open();
+    EXPECT_EQ(m_finder->frameRateNumerator(), 0U);
+    EXPECT_EQ(m_finder->frameRateDenominator(), 1U);
 }
 
 TEST_F(FastSampleFinder, TwoSamplesAreHeldAndNoMore) {
@@ -423,6 +272,30 @@ TEST_F(FastSampleFinder, TwoSamplesAreHeldAndNoMore) {
     EXPECT_EQ(*m_script->living, 0);
 }
 
+// A step leaves the sample found behind, also where it finds no other.
+TEST_F(FastSampleFinder, AStepThatGotNowhereHoldsNothing) {
+    Open();
+    EXPECT_EQ(TimeFoundAt(0), 0);
+    m_script->outcome = [](int) { return ReadOutcome::Tick; };
+    EXPECT_FALSE(Find(At(100)));
+    EXPECT_EQ(*m_script->living, 0);
+}
+
+// Both are held, as the search ended before it was over.
+TEST_F(FastSampleFinder, OfTwoThatCoverATimeTheLaterReadAnswers) {
+    Use({{0, 100, true}, {100, 200, true}, {200, 100, true}, {300, 100, true}});
+    Open([](std::int64_t from, std::int64_t) -> bool {
+        if (from == 200) {
+            throw std::runtime_error("Couldn't find key frame times");
+        }
+        return false;
+    });
+    EXPECT_THROW(Find(At(350)), std::runtime_error);
+    EXPECT_EQ(*m_script->living, 2);
+    EXPECT_EQ(TimeFoundAt(250), 200);
+    EXPECT_THAT(m_finder->readSampleOps(), ElementsAre(ReadNext, ReadNext, ReturnedCurrent));
+}
+
 TEST_F(FastSampleFinder, LogsAreBounded) {
     Open();
     for (int i = 0; i < 700; ++i) {
@@ -430,6 +303,18 @@ TEST_F(FastSampleFinder, LogsAreBounded) {
     }
     EXPECT_EQ(m_finder->attempts().size(), 500U);
     EXPECT_EQ(m_finder->readSampleOps().size(), 500U);
+}
+
+TEST_F(FastSampleFinder, TheTimesOfTheLastFiveHundredSamplesAreKept) {
+    Use(Pictures(700, 100));
+    Open();
+    TimeFoundAt(20'000);
+    EXPECT_EQ(m_finder->sampleTimes().size(), 201U); // the first one included
+    EXPECT_EQ(m_finder->sampleTimes().front(), 0);
+    TimeFoundAt(60'000);
+    EXPECT_EQ(m_finder->sampleTimes().size(), 500U);
+    EXPECT_EQ(m_finder->sampleTimes().front(), 10'100);
+    EXPECT_EQ(m_finder->sampleTimes().back(), 60'000);
 }
 
 // Numbers that a sum or a difference does not fit.

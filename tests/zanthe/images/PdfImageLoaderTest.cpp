@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/PdfBytes.h"
 #include "tests/support/StillPictures.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
@@ -10,31 +11,6 @@
 
 namespace Zanthe {
 namespace {
-
-// A document of one page, 200 by 100 points, painted by `operators`.
-std::string Pdf(const std::string& operators) {
-    std::string file = "%PDF-1.4\n";
-    std::vector<std::size_t> offsets;
-    const auto add = [&](const std::string& object) {
-        offsets.push_back(file.size());
-        file += std::to_string(offsets.size()) + " 0 obj\n" + object + "\nendobj\n";
-    };
-    add("<< /Type /Catalog /Pages 2 0 R >>");
-    add("<< /Type /Pages /Kids [3 0 R] /Count 1 >>");
-    add("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 200 100] /Contents 4 0 R /Resources << "
-        "/ExtGState << /Half << /ca 0.5 >> >> >> >>");
-    add("<< /Length " + std::to_string(operators.size()) + " >>\nstream\n" + operators +
-        "\nendstream");
-    const std::size_t table = file.size();
-    file += "xref\n0 5\n0000000000 65535 f \n";
-    for (const std::size_t offset : offsets) {
-        char line[21];
-        std::snprintf(line, sizeof(line), "%010zu 00000 n \n", offset);
-        file += line;
-    }
-    return file + "trailer\n<< /Size 5 /Root 1 0 R >>\nstartxref\n" + std::to_string(table) +
-           "\n%%EOF\n";
-}
 
 // The left half red, a band of half green at the bottom, the rest unpainted.
 const char* const Artwork = "1 0 0 rg 0 0 100 100 re f /Half gs 0 1 0 rg 100 0 100 50 re f";
@@ -56,7 +32,7 @@ protected:
 };
 
 TEST_F(PdfLoader, DrawsThePageAtExactlyTheSize) {
-    PdfImageLoader loader(Write(Pdf(Artwork)), 7);
+    PdfImageLoader loader(Write(PdfOfOnePage(Artwork)), 7);
     EXPECT_TRUE(loader.IsVectorResizable());
     EXPECT_EQ(loader.GetBitmap(), nullptr);
     loader.Load(3.0, 40, 60); // stretched: the page is twice as wide as high
@@ -71,7 +47,7 @@ TEST_F(PdfLoader, DrawsThePageAtExactlyTheSize) {
 }
 
 TEST_F(PdfLoader, TheSameSizeIsDrawnOnce) {
-    PdfImageLoader loader(Write(Pdf(Artwork)), 0);
+    PdfImageLoader loader(Write(PdfOfOnePage(Artwork)), 0);
     loader.Load(0, 20, 10);
     const auto first = loader.GetBitmap();
     loader.Load(5, 20, 10);
@@ -85,14 +61,14 @@ TEST_F(PdfLoader, TheSameSizeIsDrawnOnce) {
 }
 
 TEST_F(PdfLoader, ResizeWorksBeforeAnyLoad) {
-    PdfImageLoader loader(Write(Pdf(Artwork)), 0);
+    PdfImageLoader loader(Write(PdfOfOnePage(Artwork)), 0);
     loader.Resize(200, 100);
     EXPECT_EQ(loader.GetWidth(), 200);
     EXPECT_EQ(PixelText(PictureOf(*loader.GetBitmap()), 99, 99), "0000FFFF");
 }
 
 TEST_F(PdfLoader, HasNoSizeBeforeALoad) {
-    PdfImageLoader loader(Write(Pdf(Artwork)), 0);
+    PdfImageLoader loader(Write(PdfOfOnePage(Artwork)), 0);
     EXPECT_EQ(FailureOf([&] { loader.GetWidth(); }),
               "PdfImageLoader: Can't GetWidth if _Bitmap is nullptr");
     EXPECT_EQ(FailureOf([&] { loader.GetHeight(); }),
@@ -100,7 +76,7 @@ TEST_F(PdfLoader, HasNoSizeBeforeALoad) {
 }
 
 TEST_F(PdfLoader, ASizeBelowOneLeavesThePicture) {
-    PdfImageLoader loader(Write(Pdf(Artwork)), 0);
+    PdfImageLoader loader(Write(PdfOfOnePage(Artwork)), 0);
     loader.Load(0, 20, 10);
     const auto before = loader.GetBitmap();
     const std::string text = "PdfImageLoader: width and height must be > 0";
@@ -112,7 +88,7 @@ TEST_F(PdfLoader, ASizeBelowOneLeavesThePicture) {
 
 // The bitmap has that size all the same; what it shows is undefined.
 TEST_F(PdfLoader, WhatCannotBeDrawnFails) {
-    PdfImageLoader loader(Write(Pdf(Artwork)), 0);
+    PdfImageLoader loader(Write(PdfOfOnePage(Artwork)), 0);
     EXPECT_EQ(FailureOf([&] { loader.Load(0, 40000, 1); }),
               "PdfImageLoader: Couldn't load a bitmap");
     EXPECT_EQ(loader.GetWidth(), 40000);

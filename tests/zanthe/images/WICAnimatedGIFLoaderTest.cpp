@@ -154,9 +154,28 @@ TEST_F(GifLoader, GoingBackStartsBehindAFrameWithoutADisposal) {
              .Frame(1, 0, 1, 1, 3)
              .Control(10, 1)
              .Frame(2, 0, 1, 1, 4));
+    for (const int frame : {0, 1, 2, 3}) {
+        At(frame);
+    }
     EXPECT_EQ(At(3), "gby");
     EXPECT_EQ(At(2), "gby"); // behind frame 1: only frame 2 is drawn again
     EXPECT_EQ(At(1), "grr"); // frame 0 has a disposal: from the start
+}
+
+// The same of a jump forward on a screen that shows nothing yet: what the frames up to that one
+// would have painted is not there.
+TEST_F(GifLoader, AJumpStartsBehindAFrameWithoutADisposalToo) {
+    Open(GifBytes(3, 1)
+             .Control(10, 1)
+             .Frame(0, 0, 3, 1, 1)
+             .Control(10, 0)
+             .Frame(0, 0, 1, 1, 2)
+             .Control(10, 1)
+             .Frame(1, 0, 1, 1, 3));
+    EXPECT_EQ(At(2), ".b.");
+    EXPECT_EQ(At(0), "rrr");
+    EXPECT_EQ(At(1), "grr");
+    EXPECT_EQ(At(2), "gbr");
 }
 
 TEST_F(GifLoader, TheFrameAtHandCostsNothing) {
@@ -195,6 +214,8 @@ TEST_F(GifLoader, TheOtherDisposals) {
                  .Frame(1, 0, 1, 1, 2)
                  .Control(10, 1)
                  .Frame(0, 0, 1, 1, 3));
+        EXPECT_EQ(At(0), "rr") << disposal;
+        EXPECT_EQ(At(1), "rg") << disposal;
         EXPECT_EQ(At(2), "bg") << disposal;
     }
 }

@@ -1,4 +1,5 @@
 #include <memory>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -103,8 +104,16 @@ TEST(WICImageHelper, WhatIsMissingIsRefused) {
     unsigned char byte = 0;
     EXPECT_EQ(WICImageHelper::CopyWICBitmapSourceToBuffer(nullptr, &byte), E_INVALIDARG);
     EXPECT_EQ(WICImageHelper::CopyWICBitmapSourceToBuffer(frame.Get(), nullptr), E_INVALIDARG);
-    // Nothing has converted it: gray pixels cannot be copied as they are.
-    EXPECT_EQ(WICImageHelper::CreateBitmapFromWICBitmapSource(frame.Get()), nullptr);
+}
+
+TEST(WICImageHelper, WhatNobodyHasConvertedIsRefused) {
+    for (const char* name : {"images/gray.jpg", "images/upright.jpg", "images/pal8.png"}) {
+        const auto frame = FrameOf(MadeMedia(name));
+        EXPECT_EQ(WICImageHelper::CreateBitmapFromWICBitmapSource(frame.Get()), nullptr) << name;
+        std::vector<unsigned char> pixels(100 * 200 * 4, 7);
+        EXPECT_LT(WICImageHelper::CopyWICBitmapSourceToBuffer(frame.Get(), pixels.data()), 0);
+        EXPECT_EQ(pixels, std::vector<unsigned char>(pixels.size(), 7)) << name;
+    }
 }
 
 } // namespace

@@ -26,6 +26,7 @@ void Declare(CLI::App& command, BenchRequest& request) {
     AddCount(command, "--random", request.plan.random, "Pictures to read at random times");
     AddCount(command, "--backward", request.plan.backward, "Pictures to read one before the other");
     AddCount(command, "--scrubs", request.plan.scrubs, "Pictures to read to and fro");
+    AddRate(command, request.soundPlan.rate);
     command.add_option("--seed", request.plan.seed, "What the random times follow from")
         ->type_name("S")
         ->transform(WholeNumber(0, std::numeric_limits<std::uint64_t>::max()))

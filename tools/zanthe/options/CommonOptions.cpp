@@ -28,10 +28,19 @@ void AddJson(CLI::App& command, bool& json) {
 }
 
 void AddRate(CLI::App& command, int& rate) {
-    command.add_option("--rate", rate, "Sample rate of the sound read, in Hz, 1000 to 768000")
+    command
+        .add_option("--rate", rate,
+                    "Sample rate of the sound read, in Hz, 1000 to 768000; of recordings and "
+                    "of what filter graphs read, 44100 whatever is given")
         ->type_name("HZ")
         ->transform(WholeNumber(1000, 768000))
         ->capture_default_str();
+}
+
+void AddRecontainer(CLI::App& command, bool& recontainer) {
+    command.add_flag("--recontainer", recontainer,
+                     "Read AAC in an MP4 file by way of a temporary copy of its sound track; other "
+                     "files are read as they are");
 }
 
 void AddStreamAndFormat(CLI::App& command, VideoChoice& choice) {

@@ -22,6 +22,7 @@ inline constexpr std::uint64_t MaxReads = 1'000'000'000;
 void AddFile(CLI::App& command, std::string& file, const std::string& text);
 void AddJson(CLI::App& command, bool& json);
 void AddRate(CLI::App& command, int& rate);
+void AddRecontainer(CLI::App& command, bool& recontainer);
 void AddStreamAndFormat(CLI::App& command, VideoChoice& choice);
 
 } // namespace Program

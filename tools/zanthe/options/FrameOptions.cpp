@@ -31,7 +31,11 @@ void Declare(CLI::App& command, FrameRequest& request) {
             "recording");
     command
         .add_option_function<std::string>(
-            "--at", [&request](const std::string& text) { request.times = ParseTimes(text); },
+            "--at",
+            [&request](const std::string& text) {
+                request.times = ParseTimes(text);
+                request.typed = SplitAtCommas(text);
+            },
             "Times of the pictures, in seconds from the start, taken exactly: a fraction "
             "(1001/30000), a decimal (12.5), or [h:]m:s (0:01:02.5)")
         ->type_name("TIME[,TIME...]")

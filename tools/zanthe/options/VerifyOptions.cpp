@@ -23,6 +23,7 @@ void Declare(CLI::App& command, VerifyRequest& request) {
         ->type_name("S")
         ->transform(WholeNumber(0, std::numeric_limits<std::uint64_t>::max()));
     AddRate(command, request.rate);
+    AddRecontainer(command, request.recontainer);
     AddStreamAndFormat(command, request.choice);
     AddJson(command, request.json);
 }

@@ -1,11 +1,14 @@
+#include <boost/make_shared.hpp>
+
+#include "zanthe/audio/mf/MFAudioReader.h"
 #include "zanthe/audio/mf/MediaFoundationBackends.h"
 
 namespace Zanthe {
 
-// There is no source reader in this build to initialise it on.
-boost::shared_ptr<IAudioReader> MediaFoundationBackends::CreateCurrent(const std::string&,
-                                                                       int) const {
-    return nullptr;
+boost::shared_ptr<IAudioReader> MediaFoundationBackends::CreateCurrent(const std::string& path,
+                                                                       int sampleRate) const {
+    auto reader = boost::make_shared<MFAudioReader>(path);
+    return reader->Initialize(sampleRate) ? reader : nullptr;
 }
 
 } // namespace Zanthe

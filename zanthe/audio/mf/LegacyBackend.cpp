@@ -1,10 +1,14 @@
+#include <boost/make_shared.hpp>
+
+#include "zanthe/audio/mf/LegacyMFAudioReader.h"
 #include "zanthe/audio/mf/MediaFoundationBackends.h"
 
 namespace Zanthe {
 
-// There is no source reader in this build to initialise it on.
-boost::shared_ptr<IAudioReader> MediaFoundationBackends::CreateLegacy(const std::wstring&) const {
-    return nullptr;
+boost::shared_ptr<IAudioReader>
+MediaFoundationBackends::CreateLegacy(const std::wstring& path) const {
+    auto reader = boost::make_shared<LegacyMFAudioReader>(path, false);
+    return SUCCEEDED(reader->Initialize()) ? reader : nullptr;
 }
 
 } // namespace Zanthe

@@ -1,13 +1,13 @@
-#include <stdexcept>
+#include <boost/make_shared.hpp>
 
+#include "zanthe/audio/mf/MFRecontaineringAudioReader.h"
 #include "zanthe/audio/mf/MediaFoundationBackends.h"
 
 namespace Zanthe {
 
-// No track can be copied in this build.
-boost::shared_ptr<IAudioReader>
-MediaFoundationBackends::CreateRecontainering(const std::string&, const std::string&, int) const {
-    throw std::runtime_error("Error re-containering audio!!");
+boost::shared_ptr<IAudioReader> MediaFoundationBackends::CreateRecontainering(
+    const std::string& path, const std::string& temporaryFolder, int sampleRate) const {
+    return boost::make_shared<MFRecontaineringAudioReader>(path, temporaryFolder, sampleRate);
 }
 
 } // namespace Zanthe

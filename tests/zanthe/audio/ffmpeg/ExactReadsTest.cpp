@@ -1,11 +1,11 @@
 // A frame number gives the same sample whatever was read before: every made MP3, and every real one
 // that can be decoded, at usual rates and an awkward one.
 #include <iostream>
-#include <random>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
 
+#include "tests/support/ExactReads.h"
 #include "tests/support/StereoSound.h"
 #include "tests/support/TestMedia.h"
 #include "zanthe/audio/ffmpeg/FFMPEGAudioReader.h"
@@ -14,7 +14,6 @@ namespace Zanthe {
 namespace {
 
 constexpr int kRates[] = {44100, 48000, 32000, 22050, 16000, 16001};
-constexpr unsigned int kSeed = 20261121;
 
 std::vector<std::string> MadeFiles() {
     std::vector<std::string> files = {
@@ -32,31 +31,6 @@ std::vector<std::string> MadeFiles() {
         }
     }
     return files;
-}
-
-void ExpectRandomReadsEqual(IAudioReader& reader, const StereoSound& whole, int reads) {
-    std::mt19937 random(kSeed);
-    for (int i = 0; i < reads; ++i) {
-        const std::size_t start = random() % (whole.Frames() + 500);
-        const unsigned int frames = 1 + random() % (i % 3 == 0 ? 40000 : 3000);
-        ASSERT_TRUE(ReadSpan(reader, static_cast<std::int64_t>(start), frames) ==
-                    whole.Slice(start, frames))
-            << "span " << start << " + " << frames << ", seed " << kSeed;
-    }
-}
-
-void ExpectOddChunksMakeTheWhole(IAudioReader& reader, const StereoSound& whole) {
-    constexpr unsigned int kChunk = 9973;
-    StereoSound joined;
-    while (true) {
-        const StereoSound chunk =
-            ReadSpan(reader, static_cast<std::int64_t>(joined.Frames()), kChunk);
-        joined.Append(chunk);
-        if (chunk.Frames() < kChunk) {
-            break;
-        }
-    }
-    ASSERT_TRUE(joined == whole);
 }
 
 void ExpectExact(const std::string& path, int rate, int reads) {

@@ -9,6 +9,9 @@
 
 #include "tests/support/FixedVersion.h"
 #include "tests/support/TestMedia.h"
+#include "zanthe/audio/mf/LegacyMFAudioReader.h"
+#include "zanthe/audio/mf/MFAudioReader.h"
+#include "zanthe/audio/mf/MFRecontaineringAudioReader.h"
 #include "zanthe/core/TextException.h"
 
 using testing::Return;
@@ -102,16 +105,23 @@ TEST_F(Backends, AFailedRecontaineringIsNotMadeUpFor) {
     EXPECT_THROW(Create(m_aac, true, true), std::runtime_error);
 }
 
-TEST_F(Backends, ThisBuildHasNone) {
+TEST_F(Backends, TheLibrarysOwnAreReadersOfTheirNames) {
     const MediaFoundationBackends backends;
-    EXPECT_EQ(backends.CreateCurrent(m_aac, 44100), nullptr);
-    EXPECT_EQ(backends.CreateLegacy(L"a.wav"), nullptr);
-    try {
-        backends.CreateRecontainering(m_aac, m_temporary, 44100);
-        FAIL();
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "Error re-containering audio!!");
-    }
+    const std::wstring wide(m_aac.begin(), m_aac.end());
+    const auto current = backends.CreateCurrent(m_aac, 44100);
+    EXPECT_NE(dynamic_cast<MFAudioReader*>(current.get()), nullptr);
+    const auto legacy = backends.CreateLegacy(wide);
+    EXPECT_NE(dynamic_cast<LegacyMFAudioReader*>(legacy.get()), nullptr);
+    const auto copied = backends.CreateRecontainering(m_aac, m_temporary, 44100);
+    EXPECT_NE(dynamic_cast<MFRecontaineringAudioReader*>(copied.get()), nullptr);
+}
+
+TEST_F(Backends, TheLibrarysOwnAreEmptyWhereTheyCannotBeInitialised) {
+    const MediaFoundationBackends backends;
+    EXPECT_EQ(backends.CreateCurrent("none.wav", 44100), nullptr);
+    EXPECT_EQ(backends.CreateCurrent(m_aac, 0), nullptr);
+    EXPECT_EQ(backends.CreateLegacy(L"none.wav"), nullptr);
+    EXPECT_THROW(backends.CreateRecontainering("none.mp4", m_temporary, 44100), std::runtime_error);
 }
 
 } // namespace
