@@ -77,7 +77,7 @@ std::int64_t SoundConversion::OutputAt(std::int64_t inputFrame) const {
     return inputFrame / m_step * (m_to.rate / std::gcd(m_from.rate, m_to.rate));
 }
 
-bool SoundConversion::Restart() {
+bool SoundConversion::Configure() {
     m_context.reset(swr_alloc());
     SwrContext* context = m_context.get();
     if (context == nullptr || !SetSide(context, m_from, true) || !SetSide(context, m_to, false)) {
@@ -87,7 +87,12 @@ bool SoundConversion::Restart() {
         // Integers would be mixed in integers, and more softly than others lest they overflow.
         av_opt_set_sample_fmt(context, "internal_sample_fmt", AV_SAMPLE_FMT_FLTP, 0);
     }
-    return swr_init(context) >= 0;
+    return true;
+}
+
+// The context is kept, and with it the filter, which costs far more than a conversion.
+bool SoundConversion::Restart() {
+    return (m_context != nullptr || Configure()) && swr_init(m_context.get()) >= 0;
 }
 
 bool SoundConversion::ConvertPiece(const std::uint8_t** planes, int frames, SoundBytes& out) {

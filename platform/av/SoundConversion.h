@@ -64,6 +64,7 @@ public:
 private:
     SoundConversion(const SoundFormat& from, const SoundFormat& to);
 
+    bool Configure();
     bool ConvertPiece(const std::uint8_t** planes, int frames, SoundBytes& out);
     void MakeSilence(std::size_t stride);
 
