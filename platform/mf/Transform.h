@@ -72,13 +72,15 @@ struct IMFTransform : IUnknown {
     // notifications change nothing.
     virtual HRESULT ProcessMessage(MFT_MESSAGE_TYPE message, std::uintptr_t parameter) = 0;
 
-    // Keeps a reference on the sample until its output is taken. MF_E_NOTACCEPTING while it has
-    // one; MF_E_TRANSFORM_TYPE_NOT_SET before both types are set.
+    // Takes the sample, or what it needs of it. MF_E_NOTACCEPTING while it has as much as it can
+    // hold, a picture or some seconds of sound; MF_E_TRANSFORM_TYPE_NOT_SET before both types are
+    // set.
     virtual HRESULT ProcessInput(DWORD streamId, IMFSample* sample, DWORD flags) = 0;
 
-    // Fills the first buffer of the sample of buffers[0], and copies time and duration to it.
-    // MF_E_TRANSFORM_NEED_MORE_INPUT where no input is held; E_INVALIDARG where there is no sample
-    // or no buffer; MF_E_BUFFERTOOSMALL. A failed conversion drops the input.
+    // Fills the first buffer of the sample of buffers[0], a picture or as many frames of sound as
+    // there are and fit, and sets its time and duration where the input's are known.
+    // MF_E_TRANSFORM_NEED_MORE_INPUT where nothing is to be given; E_INVALIDARG where there is no
+    // sample or no buffer; MF_E_BUFFERTOOSMALL. A failed conversion of a picture drops the input.
     virtual HRESULT ProcessOutput(DWORD flags, DWORD bufferCount, MFT_OUTPUT_DATA_BUFFER* buffers,
                                   DWORD* status) = 0;
 
