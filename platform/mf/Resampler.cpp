@@ -7,21 +7,16 @@
 #include <optional>
 
 #include "platform/av/SoundFlow.h"
+#include "platform/av/SoundTime.h"
 #include "platform/com/Object.h"
 #include "platform/mf/BufferLock.h"
 #include "platform/mf/Errors.h"
 #include "platform/mf/SoundType.h"
 #include "platform/mf/Transform.h"
 
-extern "C" {
-#include <libavutil/mathematics.h>
-}
-
 namespace mf {
 
 namespace {
-
-constexpr LONGLONG kUnitsPerSecond = 10'000'000;
 
 // More than anybody leaves untaken on the way from sample to sample.
 constexpr std::int64_t kMostWaitingBytes = std::int64_t{64} << 20;
@@ -148,8 +143,7 @@ HRESULT Resampler::ProcessInput(DWORD streamId, IMFSample* sample, DWORD /*flags
         }
         LONGLONG time = 0;
         if (!m_start && SUCCEEDED(sample->GetSampleTime(&time))) {
-            m_start =
-                time - av_rescale(m_flow->InputFrames(), kUnitsPerSecond, m_input->format.rate);
+            m_start = time - av::TimeOfFrames(m_flow->InputFrames(), m_input->format.rate);
         }
         return Put(*buffer);
     });
@@ -208,7 +202,7 @@ HRESULT Resampler::Give(IMFSample& sample) {
     Pack(*m_output, bytes);
     std::copy(bytes.begin(), bytes.end(), out.Bytes());
     const auto timeOf = [&](std::int64_t frame) {
-        return av_rescale_rnd(frame, kUnitsPerSecond, m_output->format.rate, AV_ROUND_NEAR_INF);
+        return av::TimeOfFrames(frame, m_output->format.rate);
     };
     if (m_start) {
         sample.SetSampleTime(*m_start + timeOf(first));

@@ -3,20 +3,11 @@
 #include <algorithm>
 #include <limits>
 
+#include "platform/av/SoundTime.h"
 #include "platform/mf/SampleMaking.h"
 #include "platform/mf/SourceReader.h"
 
-extern "C" {
-#include <libavutil/mathematics.h>
-}
-
 namespace mf {
-
-namespace {
-
-constexpr LONGLONG kUnitsPerSecond = 10'000'000;
-
-} // namespace
 
 std::unique_ptr<SoundSamples> SoundSamples::Create(av::SoundStream& stream, const SoundType& type) {
     auto sound = av::ConvertedSound::Create(stream, type.format);
@@ -26,7 +17,7 @@ std::unique_ptr<SoundSamples> SoundSamples::Create(av::SoundStream& stream, cons
 }
 
 LONGLONG SoundSamples::TimeOf(LONGLONG frame) const {
-    return m_start + av_rescale_rnd(frame, kUnitsPerSecond, m_type.format.rate, AV_ROUND_NEAR_INF);
+    return m_start + av::TimeOfFrames(frame, m_type.format.rate);
 }
 
 // The last frame whose time is at or before `time`.
@@ -37,7 +28,7 @@ LONGLONG SoundSamples::FrameAt(LONGLONG time) const {
     if (since <= 0) {
         return 0;
     }
-    LONGLONG frame = av_rescale_rnd(since, m_type.format.rate, kUnitsPerSecond, AV_ROUND_DOWN);
+    LONGLONG frame = av::WholeFramesIn(since, m_type.format.rate);
     while (TimeOf(frame + 1) <= time) {
         ++frame;
     }
