@@ -157,7 +157,7 @@ TEST(OutputFile, RefusesAFolderAsTheTarget) {
 
 TEST(OutputFile, RefusesWhatNamesNoFile) {
     TemporaryFolder folder;
-    EXPECT_EQ(RefusalOf(""), ": cannot be written: names no file");
+    EXPECT_EQ(RefusalOf(""), "\"\": cannot be written: names no file");
     const std::string path = folder / "nowhere/";
     EXPECT_EQ(RefusalOf(path), path + ": cannot be written: names no file");
 }
