@@ -1,5 +1,6 @@
 #include "platform/av/Mp4Writer.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/av/OpenInput.h"
@@ -39,26 +40,59 @@ bool Mp4Writer::Begin(const AVStream& source) {
     return avformat_write_header(context, nullptr) >= 0;
 }
 
+namespace {
+
+// Ends the last packet where the stream ends.
+void ShortenLast(AVPacket& last, std::int64_t begin, std::int64_t duration) {
+    constexpr std::int64_t kMost = std::int64_t{1} << 60; // sums of two fit
+    if (last.pts < -kMost || last.pts > kMost || begin > kMost || duration > kMost ||
+        duration <= 0) {
+        return;
+    }
+    const std::int64_t left = begin + duration - last.pts;
+    if (left > 0 && left < last.duration) {
+        last.duration = left;
+    }
+}
+
+} // namespace
+
+bool Mp4Writer::Write(AVPacket& packet, AVRational timeBase) {
+    packet.stream_index = 0;
+    packet.pos = -1;
+    // What an edit list leaves out is needed to decode what follows.
+    packet.flags &= ~AV_PKT_FLAG_DISCARD;
+    av_packet_rescale_ts(&packet, timeBase, m_context->streams[0]->time_base);
+    return av_interleaved_write_frame(m_context.get(), &packet) >= 0;
+}
+
+// One behind, for the last packet may be longer than its sound.
 bool Mp4Writer::CopyPackets(AVFormatContext& source, unsigned int stream) {
     const PacketPtr packet(av_packet_alloc());
-    if (packet == nullptr) {
+    const PacketPtr last(av_packet_alloc());
+    if (packet == nullptr || last == nullptr) {
         return false;
     }
+    const AVStream& from = *source.streams[stream];
+    std::int64_t begin = AV_NOPTS_VALUE;
     while (av_read_frame(&source, packet.get()) >= 0) {
         if (packet->stream_index == static_cast<int>(stream)) {
-            packet->stream_index = 0;
-            packet->pos = -1;
-            // What an edit list leaves out is needed to decode what follows.
-            packet->flags &= ~AV_PKT_FLAG_DISCARD;
-            av_packet_rescale_ts(packet.get(), source.streams[stream]->time_base,
-                                 m_context->streams[0]->time_base);
-            if (av_interleaved_write_frame(m_context.get(), packet.get()) < 0) {
+            if (begin == AV_NOPTS_VALUE) {
+                begin = std::max<std::int64_t>(packet->pts, 0);
+            }
+            if (last->data != nullptr && !Write(*last, from.time_base)) {
                 return false;
             }
+            av_packet_unref(last.get());
+            av_packet_move_ref(last.get(), packet.get());
         }
         av_packet_unref(packet.get());
     }
-    return true;
+    if (last->data == nullptr) {
+        return false;
+    }
+    ShortenLast(*last, begin, from.duration);
+    return Write(*last, from.time_base);
 }
 
 bool Mp4Writer::CopyTrack(const std::string& source, unsigned int stream) {

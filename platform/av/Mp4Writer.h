@@ -31,6 +31,7 @@ private:
         : m_file(std::move(file)) {}
 
     bool Begin(const AVStream& source);
+    bool Write(AVPacket& packet, AVRational timeBase);
     bool CopyPackets(AVFormatContext& source, unsigned int stream);
 
     IoContextPtr m_file;
