@@ -64,6 +64,10 @@ int Probe(const std::string& path, const AVInputFormat*& format) {
     return IsListOfFiles(*format) ? AVERROR_INVALIDDATA : 0;
 }
 
+bool IsMp4(const AVInputFormat& format) {
+    return std::strstr(format.name, "mp4") != nullptr;
+}
+
 // `format` null: whatever the file's bytes look like. Options that nobody takes are no error.
 int OpenAs(FormatContextPtr& context, const std::string& path, const AVInputFormat* format,
            DictionaryPtr options) {
@@ -75,6 +79,9 @@ int OpenAs(FormatContextPtr& context, const std::string& path, const AVInputForm
     int error = CheckRegularFile(path);
     if (error >= 0 && format == nullptr) {
         error = Probe(path, format);
+    }
+    if (error >= 0 && IsMp4(*format) && IsTooCostlyToOpen(path)) {
+        error = AVERROR_INVALIDDATA;
     }
     if (error >= 0) {
         error = ConfineToFile(*context);
@@ -123,7 +130,7 @@ int OpenInput(FormatContextPtr& context, const std::string& path) {
 FormatContextPtr OpenMp4(const std::string& path, EditLists editLists) {
     FormatContextPtr context(avformat_alloc_context());
     auto options = MakeOptions("ignore_editlist", editLists == EditLists::Ignored ? "1" : "0");
-    if (context == nullptr || options == nullptr || HasTooManyBoxes(path)) {
+    if (context == nullptr || options == nullptr) {
         return nullptr;
     }
     const AVInputFormat* format = av_find_input_format("mp4");

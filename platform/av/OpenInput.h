@@ -11,7 +11,7 @@ namespace av {
 // make it an address, and no other file is read, whatever this one refers to. `context` owns an
 // allocated context on entry; it is empty after a failure. Answers 0 or a negative FFmpeg code
 // (AVERROR(EINVAL) for what is there but is no regular file: a folder, a device, a pipe that would
-// block).
+// block; AVERROR_INVALIDDATA for an MP4 file that IsTooCostlyToOpen).
 int OpenInput(FormatContextPtr& context, const std::string& path);
 
 // Whether a file's edit lists shape the times and the samples of its tracks.
@@ -20,8 +20,7 @@ enum class EditLists {
     Ignored, // the times are the track's own, from 0 on, and every sample is there
 };
 
-// The MP4 or QuickTime file at `path`, opened as above; empty where it is none, and
-// where it has too many boxes to be opened in a second.
+// The MP4 or QuickTime file at `path`, opened as above; empty where it is none.
 FormatContextPtr OpenMp4(const std::string& path, EditLists editLists);
 
 // What the bytes of the regular file at `path` look like; `format` is libavformat's own and lives

@@ -79,23 +79,60 @@ bool IsContainer(const Mp4Box& box) {
     return std::find(containers.begin(), containers.end(), box.type) != containers.end();
 }
 
-// Boxes down to `depth`, as long as they are no more than `most`.
-void CountBoxes(Mp4Boxes& boxes, const Mp4Range& range, int depth, std::uint64_t most) {
-    boxes.ForEach(range, [&](const Mp4Box& box) {
-        if (depth > 1 && IsContainer(box)) {
-            CountBoxes(boxes, box.payload, depth - 1, most);
-        }
-        return boxes.Count() <= most;
-    });
+// How many samples the box promises without telling anything of each: room for all of them is made
+// when the file is opened, whether it can hold them or not.
+std::uint64_t SamplesPromised(Mp4Boxes& boxes, const Mp4Box& box) {
+    constexpr std::uint64_t oneSize = 4;
+    const std::uint64_t behindFlags = box.payload.start + VersionAndFlags;
+    if (box.type == "trun") {
+        return boxes.Number(behindFlags, 4).value_or(0);
+    }
+    const bool isTable = box.type == "stsz" || box.type == "stz2";
+    return isTable ? boxes.Number(behindFlags + oneSize, 4).value_or(0) : 0;
 }
 
-// A file that keeps every picture in a fragment of its own has some seven boxes for each, which
-// with tiny pictures are one for every 43 bytes.
-std::uint64_t MostBoxes(std::uint64_t fileSize) {
-    constexpr std::uint64_t always = 100'000;
-    constexpr std::uint64_t bytesOfEach = 32;
-    return std::max(always, fileSize / bytesOfEach);
-}
+// What opening a file costs beside reading it.
+class OpeningCost {
+public:
+    explicit OpeningCost(Mp4Boxes& boxes)
+        : m_boxes(boxes)
+        , m_mostBoxes(MostBoxes(boxes.Size()))
+        , m_mostSamples(MostSamples(boxes.Size())) {}
+
+    // Walks the boxes down to `depth`, as long as they are not too many.
+    void Add(const Mp4Range& range, int depth) {
+        m_boxes.ForEach(range, [&](const Mp4Box& box) {
+            m_samples += SamplesPromised(m_boxes, box);
+            if (depth > 1 && IsContainer(box)) {
+                Add(box.payload, depth - 1);
+            }
+            return !IsTooMuch();
+        });
+    }
+
+    bool IsTooMuch() const { return m_boxes.Count() > m_mostBoxes || m_samples > m_mostSamples; }
+
+private:
+    // A file that keeps every picture in a fragment of its own has some seven boxes for each, which
+    // with tiny pictures are one for every 43 bytes.
+    static std::uint64_t MostBoxes(std::uint64_t fileSize) {
+        constexpr std::uint64_t always = 100'000;
+        constexpr std::uint64_t bytesOfEach = 32;
+        return std::max(always, fileSize / bytesOfEach);
+    }
+
+    // A sample is a byte at least. A file may be cut off behind a good part of what it promises.
+    static std::uint64_t MostSamples(std::uint64_t fileSize) {
+        constexpr std::uint64_t always = 1'000'000;
+        constexpr std::uint64_t timesWhatItHolds = 16;
+        return std::max(always, fileSize * timesWhatItHolds);
+    }
+
+    Mp4Boxes& m_boxes;
+    const std::uint64_t m_mostBoxes;
+    const std::uint64_t m_mostSamples;
+    std::uint64_t m_samples = 0;
+};
 
 } // namespace
 
@@ -127,15 +164,15 @@ std::uint32_t ReadMovieUnitsPerSecond(const std::string& path) {
     return movie ? NumberBehindTimes(*boxes, *movie, "mvhd") : 0;
 }
 
-bool HasTooManyBoxes(const std::string& path) {
+bool IsTooCostlyToOpen(const std::string& path) {
     constexpr int depth = 10;
     const auto boxes = Mp4Boxes::Open(path);
     if (boxes == nullptr) {
         return false;
     }
-    const std::uint64_t most = MostBoxes(boxes->Size());
-    CountBoxes(*boxes, {0, boxes->Size()}, depth, most);
-    return boxes->Count() > most;
+    OpeningCost cost(*boxes);
+    cost.Add({0, boxes->Size()}, depth);
+    return cost.IsTooMuch();
 }
 
 } // namespace av

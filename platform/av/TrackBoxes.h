@@ -21,10 +21,11 @@ std::vector<TrackBoxes> ReadTrackBoxes(const std::string& path);
 // Thread-safety: safe from any thread.
 std::uint32_t ReadMovieUnitsPerSecond(const std::string& path);
 
-// Whether the file at `path` has so many boxes that walking them all would take seconds, as no
-// real one has. Nothing of the kind: also where there is no such file.
+// Whether opening the file at `path` would take seconds or gigabytes, as that of no real one does:
+// it has too many boxes, or promises many times the samples that it has bytes. Nothing of the kind:
+// also where there is no such file.
 //
 // Thread-safety: safe from any thread.
-bool HasTooManyBoxes(const std::string& path);
+bool IsTooCostlyToOpen(const std::string& path);
 
 } // namespace av

@@ -72,6 +72,53 @@ TEST(DecoderVideo, TellsWhereThereIsNoPicture) {
     EXPECT_TRUE(video->At(MediaTime(0)));
 }
 
+// Shows nothing before its fifth tenth, and says so by its time alone, as recordings do.
+class TellsByItsTime : public TenPictures {
+public:
+    bool readFrame(MediaTime time, unsigned char* buffer, double& actualTime) override {
+        double shown = -1.0;
+        if (time >= MediaTime(1, 2)) {
+            TenPictures::readFrame(time, buffer, shown);
+        }
+        actualTime = shown;
+        return true;
+    }
+};
+
+// Shows pictures and tells no time.
+class TellsNoTime : public TenPictures {
+public:
+    bool readFrame(MediaTime time, unsigned char* buffer, double&) override {
+        double untold = -1.0;
+        return TenPictures::readFrame(time, buffer, untold);
+    }
+};
+
+template <typename Decoder>
+std::unique_ptr<IVideo> Over() {
+    return VideoOver(
+        std::make_unique<Zanthe::VideoDecoderToVideoSampleReader>(std::make_unique<Decoder>()), {});
+}
+
+TEST(DecoderVideo, ATimeBelowZeroIsNoPicture) {
+    const auto video = Over<TellsByItsTime>();
+    EXPECT_FALSE(video->At(MediaTime(0)));
+    EXPECT_FALSE(video->At(MediaTime(0)));
+    EXPECT_TRUE(video->At(MediaTime(1, 2)));
+    EXPECT_FALSE(video->At(MediaTime(2)));
+    EXPECT_FALSE(video->At(MediaTime(0)));
+    EXPECT_TRUE(video->At(MediaTime(7, 10)));
+}
+
+TEST(DecoderVideo, ATimeThatIsNeverToldIsNone) {
+    const auto video = Over<TellsNoTime>();
+    const auto picture = video->At(MediaTime(0));
+    ASSERT_TRUE(picture);
+    EXPECT_FALSE(picture->start);
+    EXPECT_FALSE(video->At(MediaTime(1)));
+    EXPECT_TRUE(video->At(MediaTime(1, 2)));
+}
+
 TEST(DecoderVideo, IsVerifiedLikeAnyOther) {
     const auto video = OverDecoder();
     const auto found = Program::VideoVerifier(*video, {.seeks = 50, .seed = 1}).Run();

@@ -66,9 +66,42 @@ TEST(TrackBoxes, MoreThanAHundredThousandAreTooMany) {
         }
         return folder.Write("a.mp4", boxes::Box("moov", content));
     };
-    EXPECT_FALSE(av::HasTooManyBoxes(fileWith(100'000)));
-    EXPECT_TRUE(av::HasTooManyBoxes(fileWith(100'001)));
-    EXPECT_FALSE(av::HasTooManyBoxes(folder / "none.mp4"));
+    EXPECT_FALSE(av::IsTooCostlyToOpen(fileWith(100'000)));
+    EXPECT_TRUE(av::IsTooCostlyToOpen(fileWith(100'001)));
+    EXPECT_FALSE(av::IsTooCostlyToOpen(folder / "none.mp4"));
+}
+
+// Libavformat makes room for each, be there a byte for it or not.
+TEST(TrackBoxes, SamplesThatNoBytesStandBehindAreTooMany) {
+    const TemporaryFolder folder;
+    const auto costly = [&](const std::string& content) {
+        return av::IsTooCostlyToOpen(folder.Write("a.mp4", content));
+    };
+    const auto run = [](std::uint32_t count) {
+        return boxes::Box(
+            "moof", boxes::Box("traf", boxes::Box("trun", boxes::U32(0) + boxes::U32(count))));
+    };
+    const auto table = [](std::string_view type, std::uint32_t count) {
+        const std::string content = boxes::U32(0) + boxes::U32(1) + boxes::U32(count);
+        return boxes::Box(
+            "moov",
+            boxes::Box(
+                "trak",
+                boxes::Box("mdia",
+                           boxes::Box("minf", boxes::Box("stbl", boxes::Box(type, content))))));
+    };
+    EXPECT_FALSE(costly(run(1'000'000)));
+    EXPECT_TRUE(costly(run(1'000'001)));
+    EXPECT_TRUE(costly(run(500'000) + run(500'001)));
+    EXPECT_TRUE(costly(run(0xFFFFFFFF)));
+    EXPECT_FALSE(costly(table("stsz", 1'000'000)));
+    EXPECT_TRUE(costly(table("stsz", 1'000'001)));
+    EXPECT_TRUE(costly(table("stz2", 1'000'001)));
+    EXPECT_TRUE(costly(table("stsz", 600'000) + run(600'000)));
+    // What the file has bytes for may be there.
+    const std::string media = boxes::Box("mdat", std::string(100'000, 'x'));
+    EXPECT_FALSE(costly(table("stsz", 1'600'000) + media));
+    EXPECT_TRUE(costly(table("stsz", 1'700'000) + media));
 }
 
 TEST(Contents, GoByTheBytesAlone) {

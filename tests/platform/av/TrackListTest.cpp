@@ -90,6 +90,37 @@ TEST(TrackList, CountsEveryFrameThatBegins) {
     EXPECT_EQ(track.FramesAt(44100), 0U);
 }
 
+TEST(TrackList, FramesCountFromTheFilesStart) {
+    Track track;
+    track.duration = 48000;
+    track.unitsPerSecond = 48000;
+    track.begin = 24000;
+    EXPECT_EQ(track.FramesAt(44100), 66150U);
+    track.begin = -1024; // what an encoder needs to begin
+    EXPECT_EQ(track.FramesAt(48000), 46976U);
+    track.begin = -48000;
+    EXPECT_EQ(track.FramesAt(48000), 0U);
+    track.begin = -50000;
+    EXPECT_EQ(track.FramesAt(48000), 0U);
+    track.begin = std::numeric_limits<std::int64_t>::max();
+    EXPECT_EQ(track.FramesAt(48000), 0U);
+    track.begin = std::numeric_limits<std::int64_t>::min();
+    EXPECT_EQ(track.FramesAt(48000), 0U);
+}
+
+TEST(TrackList, ATrackTellsWhereItBegins) {
+    const auto begins = [](const char* name) {
+        const auto tracks = ReadTrackList(MadeMedia(name));
+        return tracks && tracks->size() == 2 ? static_cast<double>(tracks->at(1).begin) /
+                                                   static_cast<double>(tracks->at(1).unitsPerSecond)
+                                             : -9.0;
+    };
+    EXPECT_EQ(begins("rec-late-sound.brec"), 0.5);
+    // No edit list cuts in fragments.
+    EXPECT_EQ(begins("rec-fragmented.brec"), -1024 / 44100.0);
+    EXPECT_EQ(begins("classify/audio-then-png.mov"), 0.0);
+}
+
 TEST(TrackList, NoFramesWhereTheyCannotBeCounted) {
     Track track;
     track.duration = std::numeric_limits<std::int64_t>::max();
