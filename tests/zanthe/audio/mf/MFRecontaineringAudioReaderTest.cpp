@@ -14,7 +14,6 @@
 #include "tests/support/TestMedia.h"
 #include "zanthe/audio/mf/MediaFoundationBackends.h"
 
-using testing::_;
 using testing::Return;
 
 namespace Zanthe {
@@ -68,7 +67,7 @@ protected:
 
 TEST_F(Recontainering, ReadsACopyOfTheSoundTrackAlone) {
     std::string copy;
-    EXPECT_CALL(m_backends, CreateCurrent(_, 48000)).WillOnce([&](const std::string& path, int) {
+    EXPECT_CALL(m_backends, CreateCurrent(testing::_, 48000)).WillOnce([&](const std::string& path, int) {
         copy = path;
         return m_inner;
     });
@@ -83,7 +82,7 @@ TEST_F(Recontainering, ReadsACopyOfTheSoundTrackAlone) {
 }
 
 TEST_F(Recontainering, BelowSixTwoTheLegacyReaderReadsTheCopy) {
-    EXPECT_CALL(m_backends, CreateLegacy(_)).WillOnce(Return(m_inner));
+    EXPECT_CALL(m_backends, CreateLegacy(testing::_)).WillOnce(Return(m_inner));
     EXPECT_NE(Make(m_aac, false), nullptr);
 }
 
