@@ -9,7 +9,7 @@
 namespace Zanthe {
 namespace {
 
-constexpr int kRate = 48000;
+constexpr std::int64_t kRate = 48000;
 constexpr std::int64_t kFrames = 1000;
 constexpr std::int64_t kUnitsPerSecond = 10'000'000;
 
