@@ -46,26 +46,37 @@ HRESULT ReaderThread::Ask(const Request& request) {
     }
     m_state->waiting.push_back(request);
     m_state->flushes += request.isFlush ? 1 : 0;
-    m_state->changed.notify_all();
     return S_OK;
+}
+
+// Woken without the lock, which the thread would only wait for.
+HRESULT ReaderThread::Wake(HRESULT asked) {
+    if (SUCCEEDED(asked)) {
+        m_state->changed.notify_one();
+    }
+    return asked;
 }
 
 HRESULT ReaderThread::Read(DWORD streamIndex) {
     return com::Wall([&] {
-        const std::lock_guard lock(m_state->mutex);
-        return m_state->flushes > 0 ? MF_E_NOTACCEPTING : Ask({streamIndex, false});
+        std::unique_lock lock(m_state->mutex);
+        const HRESULT asked = m_state->flushes > 0 ? MF_E_NOTACCEPTING : Ask({streamIndex, false});
+        lock.unlock();
+        return Wake(asked);
     });
 }
 
 HRESULT ReaderThread::Flush(DWORD streamIndex) {
     return com::Wall([&] {
-        const std::lock_guard lock(m_state->mutex);
+        std::unique_lock lock(m_state->mutex);
         State& state = *m_state;
         state.drops =
             state.drops || (state.reads && state.Drops({state.readsStream, false}, streamIndex));
         std::erase_if(state.waiting,
                       [&](const Request& each) { return state.Drops(each, streamIndex); });
-        return Ask({streamIndex, true});
+        const HRESULT asked = Ask({streamIndex, true});
+        lock.unlock();
+        return Wake(asked);
     });
 }
 

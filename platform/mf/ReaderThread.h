@@ -67,7 +67,8 @@ private:
     static void AnswerRead(State& state, DWORD streamIndex);
     static void AnswerFlush(State& state, DWORD streamIndex);
 
-    HRESULT Ask(const Request& request);
+    HRESULT Ask(const Request& request); // with the lock held
+    HRESULT Wake(HRESULT asked);
 
     const std::shared_ptr<State> m_state;
     std::thread m_thread; // guarded by the state's mutex while this lives

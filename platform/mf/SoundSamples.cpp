@@ -40,34 +40,51 @@ LONGLONG SoundSamples::FrameAt(LONGLONG time) const {
 
 HRESULT SoundSamples::SetPosition(LONGLONG position) {
     m_sound->Seek(FrameAt(position));
+    m_wanted = 0;
+    m_last = av::SoundRead::Piece;
     return S_OK;
 }
 
 SampleRead SoundSamples::Read() {
-    SampleRead read;
-    av::SoundChunk chunk;
-    switch (m_sound->Read(chunk)) {
-    case av::SoundRead::End:
-        read.flags = MF_SOURCE_READERF_ENDOFSTREAM;
-        break;
-    case av::SoundRead::Failed:
-        read.result = E_FAIL;
-        break;
-    case av::SoundRead::Piece:
-        read.time = TimeOf(chunk.start);
-        read.result = MakeSample(chunk, read.sample);
-        break;
+    Gather();
+    if (m_frames > 0) {
+        return GiveGathered();
     }
+    SampleRead read;
+    if (m_last == av::SoundRead::End) {
+        read.flags = MF_SOURCE_READERF_ENDOFSTREAM;
+    } else {
+        read.result = E_FAIL;
+    }
+    m_last = av::SoundRead::Piece;
     return read;
 }
 
-HRESULT SoundSamples::MakeSample(const av::SoundChunk& chunk,
-                                 com::ComPtr<IMFSample>& sample) const {
-    const auto size = static_cast<std::size_t>(chunk.frames * m_sound->FrameBytes());
-    std::vector<std::uint8_t> bytes(chunk.bytes, chunk.bytes + size);
-    Pack(m_type, bytes);
-    const LONGLONG time = TimeOf(chunk.start);
-    return MakeFilledSample(bytes, time, TimeOf(chunk.start + chunk.frames) - time, sample);
+// An end or a failure behind some sound is told by the read behind it.
+void SoundSamples::Gather() {
+    av::SoundChunk chunk;
+    while (m_last == av::SoundRead::Piece && (m_frames == 0 || m_frames < m_wanted)) {
+        m_last = m_sound->Read(chunk);
+        if (m_last == av::SoundRead::Piece) {
+            m_bytes.insert(m_bytes.end(), chunk.bytes,
+                           chunk.bytes + chunk.frames * m_sound->FrameBytes());
+            m_from = m_frames == 0 ? chunk.start : m_from;
+            m_frames += chunk.frames;
+        }
+    }
+}
+
+SampleRead SoundSamples::GiveGathered() {
+    constexpr LONGLONG kMostFrames = 8192;
+    SampleRead read;
+    read.time = TimeOf(m_from);
+    Pack(m_type, m_bytes);
+    read.result =
+        MakeFilledSample(m_bytes, read.time, TimeOf(m_from + m_frames) - read.time, read.sample);
+    m_wanted = std::min(2 * m_frames, kMostFrames);
+    m_bytes.clear();
+    m_frames = 0;
+    return read;
 }
 
 } // namespace mf

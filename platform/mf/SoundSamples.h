@@ -1,7 +1,9 @@
 // Samples of a sound stream, decoded and converted.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "platform/av/ConvertedSound.h"
 #include "platform/mf/ISampleSource.h"
@@ -11,6 +13,10 @@ namespace mf {
 
 // Frame f of the sound has the time start + f / rate, rounded to units of 100 ns; samples follow
 // each other without a gap, and silence stands where the file has none.
+//
+// The first sample behind a seek is as short as the file has them. Samples then grow, up to some
+// tenths of a second, while they are read on: each costs a turn of two threads, which for short
+// ones is more than their decoding.
 class SoundSamples final : public ISampleSource {
 public:
     // `stream` is borrowed and outlives this; nobody else moves it meanwhile. Null where there is
@@ -31,11 +37,18 @@ private:
 
     LONGLONG TimeOf(LONGLONG frame) const;
     LONGLONG FrameAt(LONGLONG time) const;
-    HRESULT MakeSample(const av::SoundChunk& chunk, com::ComPtr<IMFSample>& sample) const;
+    void Gather();
+    SampleRead GiveGathered();
 
     const std::unique_ptr<av::ConvertedSound> m_sound;
     const SoundType m_type;
     const LONGLONG m_start; // time of frame 0
+
+    LONGLONG m_wanted = 0;             // frames that the next sample is to have at least
+    std::vector<std::uint8_t> m_bytes; // gathered for the next sample
+    LONGLONG m_from = 0;               // their first frame
+    LONGLONG m_frames = 0;
+    av::SoundRead m_last = av::SoundRead::Piece; // what stopped the gathering, if not a piece
 };
 
 } // namespace mf
