@@ -62,6 +62,7 @@ ReadResult FileVideoStream::Read(PicturePtr& picture) {
     if (found == nullptr) {
         return m_gaveOut ? ReadResult::Failed : ReadResult::End;
     }
+    m_wentBack = m_last != nullptr && found->Start() < m_last->Start();
     m_next = found->End();
     m_last = found;
     picture = std::move(found);
@@ -191,12 +192,13 @@ bool FileVideoStream::Begin(Landing::Place place, std::int64_t keepFrom, bool de
     return primed;
 }
 
-// Whether the caller goes back step by step rather than to some far place.
+// Whether the caller goes back step by step, or in strides, rather than to some far place.
 bool FileVideoStream::StepsBack(std::int64_t time) const {
     if (m_last == nullptr || time >= m_last->Start() || m_last->OnDevice()) {
         return false;
     }
-    return (m_landedAt && time >= *m_landedAt) || m_last->Start() - time <= kSecond;
+    const bool isNear = m_last->Start() - time <= kSecond;
+    return isNear || (m_wentBack && m_landedAt && time >= *m_landedAt);
 }
 
 // The start of as long a span before `time` as the cache can hold.

@@ -60,6 +60,7 @@ private:
 
     std::int64_t m_next; // the time that the next Read is for
     PicturePtr m_last;   // what Read gave last
+    bool m_wentBack = false; // what Read gave last lies before what it gave ahead of that
     bool m_gaveOut = false;
     std::deque<std::int64_t> m_trail;       // starts of the pictures kept while reading on
     std::optional<std::int64_t> m_landedAt; // start of the run's first picture

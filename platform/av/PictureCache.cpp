@@ -7,7 +7,7 @@ namespace av {
 
 namespace {
 
-constexpr std::size_t kDefaultBudget = std::size_t{256} << 20;
+constexpr std::size_t kDefaultBudget = std::size_t{512} << 20;
 
 } // namespace
 

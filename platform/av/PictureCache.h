@@ -13,7 +13,7 @@
 
 namespace av {
 
-// How many bytes of decoded pictures the process keeps; 256 MiB unless set. What is over the new
+// How many bytes of decoded pictures the process keeps; 512 MiB unless set. What is over the new
 // budget is given back at once. Pictures that a caller still holds do not count.
 // Thread-safety: safe from any thread.
 void SetPictureCacheBudget(std::size_t bytes);

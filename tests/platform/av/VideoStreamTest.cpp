@@ -13,7 +13,7 @@
 namespace av {
 namespace {
 
-constexpr std::size_t kDefaultBudget = std::size_t{256} << 20;
+constexpr std::size_t kDefaultBudget = std::size_t{512} << 20;
 
 std::unique_ptr<VideoStream> OpenMade(const char* name) {
     auto stream = VideoStream::Open(MadeMedia(name), {});
