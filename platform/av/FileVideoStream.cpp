@@ -192,13 +192,16 @@ bool FileVideoStream::Begin(Landing::Place place, std::int64_t keepFrom, bool de
     return primed;
 }
 
-// Whether the caller goes back step by step, or in strides, rather than to some far place.
+// Whether the caller goes back step by step, or once more in strides, rather than to some place.
 bool FileVideoStream::StepsBack(std::int64_t time) const {
     if (m_last == nullptr || time >= m_last->Start() || m_last->OnDevice()) {
         return false;
     }
-    const bool isNear = m_last->Start() - time <= kSecond;
-    return isNear || (m_wentBack && m_landedAt && time >= *m_landedAt);
+    constexpr std::int64_t kFew = 4;
+    const std::int64_t distance = m_last->Start() - time;
+    const bool isStep = distance <= kFew * std::min(m_last->End() - m_last->Start(), kSecond);
+    const bool isStride = distance <= kSecond || (m_landedAt && time >= *m_landedAt);
+    return isStep || (m_wentBack && isStride);
 }
 
 // The start of as long a span before `time` as the cache can hold.

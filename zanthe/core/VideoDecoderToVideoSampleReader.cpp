@@ -1,5 +1,7 @@
 #include "zanthe/core/VideoDecoderToVideoSampleReader.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "zanthe/core/BitmapVideoSample.h"
@@ -10,7 +12,10 @@ VideoDecoderToVideoSampleReader::VideoDecoderToVideoSampleReader(
     std::unique_ptr<VideoDecoder> decoder)
     : m_decoder(std::move(decoder))
     , m_bitmap(std::make_shared<Bitmap>(m_decoder->outputWidth(), m_decoder->outputHeight(), false))
-    , m_actualTime(-1.0) {}
+    , m_actualTime(-1.0) {
+    const std::ptrdiff_t rows = m_bitmap->GetHeight();
+    std::fill_n(m_bitmap->GetBits(), rows * m_bitmap->GetStride(), static_cast<unsigned char>(0));
+}
 
 VideoDecoderToVideoSampleReader::~VideoDecoderToVideoSampleReader() = default;
 

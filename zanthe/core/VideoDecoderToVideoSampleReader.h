@@ -32,8 +32,8 @@ public:
     int outputHeight() const override;
 
     // Never null. When the decoder does not serve the time the sample shows the frame before: an
-    // editor rather draws the last picture than none. Before the first served frame it shows
-    // whatever the memory holds, which `prepare` can clear. Flags have no effect.
+    // editor rather draws the last picture than none. Before the first served frame it is
+    // transparent black, or what `prepare` has written. Flags have no effect.
     VideoSample* readVideoSample(MediaTime time, std::function<void(unsigned char*, int)> prepare,
                                  VideoSampleReaderFlags flags) override;
     bool requiresFlagSometimesToActuallyGetSamples() override; // false

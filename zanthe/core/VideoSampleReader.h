@@ -35,8 +35,9 @@ public:
     // is shown behind the duration in the file's header, also where the last would stay for longer.
     // The sample tells no time; VideoSample.h says where that stands. It is the caller's, who ends
     // it with delete. It keeps what it needs alive by itself, also when the reader has moved on or
-    // gone; only the samples of VideoDecoderToVideoSampleReader share one picture, which the next
-    // read overwrites.
+    // gone; only the samples of VideoDecoderToVideoSampleReader (recordings, GIF, PNG in QuickTime)
+    // share one picture, which the next read overwrites, and where there is no picture at `time`
+    // they show the one before.
     //
     // prepare(bits, bytesPerRow) is called before the frame is decoded, on this thread, by a reader
     // that decodes into memory of its own, so that the caller can see or clear that memory. It may

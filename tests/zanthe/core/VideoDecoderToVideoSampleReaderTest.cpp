@@ -78,6 +78,14 @@ TEST_F(DecoderReader, TheSampleShowsWhatTheDecoderWrote) {
     EXPECT_EQ(sample->data()[23], 9);
 }
 
+TEST_F(DecoderReader, AheadOfTheFirstServedFrameThePictureIsClear) {
+    EXPECT_CALL(*m_decoder, readFrame).WillRepeatedly(Return(false));
+    const auto sample = Read({0, 1});
+    ASSERT_NE(sample, nullptr);
+    constexpr std::ptrdiff_t bytes = 2 * 3 * 4;
+    EXPECT_EQ(std::count(sample->data(), sample->data() + bytes, 0), bytes);
+}
+
 TEST_F(DecoderReader, TheFirstReadHoldsNoFrame) {
     EXPECT_CALL(*m_decoder, readFrame(_, _, Eq(-1.0))).WillOnce(Return(true));
     Read(MediaTime(0));
