@@ -42,9 +42,9 @@ void RequireMade(const Film& film) {
     }
 }
 
-// The same places for every contender, repetition and run.
-std::vector<int> RandomPlaces(int pictures) {
-    std::mt19937 random(Seed);
+// The same places for every contender and run, others in each turn.
+std::vector<int> RandomPlaces(int pictures, int turn = 0) {
+    std::mt19937 random(Seed + static_cast<unsigned int>(turn));
     std::vector<int> places(8);
     std::generate(places.begin(), places.end(),
                   [&] { return static_cast<int>(random() % static_cast<unsigned int>(pictures)); });
@@ -156,12 +156,13 @@ void RunRepeat(benchmark::State& state, Opened& contender) {
     RunWalk(state, contender, "repeat", [=](int) { return place; });
 }
 
-// All places in each iteration: some cost ten times what others do.
+// Eight places in each iteration: some cost ten times what others do. Other ones in each, or a
+// cache would have them.
 void RunRandom(benchmark::State& state, Opened& contender) {
-    const auto places = RandomPlaces(contender.Pictures());
     VideoContender& reader = *contender;
+    int& turn = contender.Turn("random");
     for ([[maybe_unused]] auto _ : state) {
-        for (const int place : places) {
+        for (const int place : RandomPlaces(contender.Pictures(), ++turn)) {
             Look(reader.Show(place));
         }
     }
@@ -207,9 +208,10 @@ struct Task {
     int iterations; // 0: as many as fill the time
 };
 
-// Of steps back one in dozens is dear: a repetition has enough of them.
+// Of steps back one in dozens is dear: a repetition has enough of them. Random places differ: all
+// contenders go to as many.
 const Task Tasks[] = {{"next picture", RunSequential, 0},
-                      {"eight random pictures", RunRandom, 0},
+                      {"eight random pictures", RunRandom, 1},
                       {"picture before", RunBackward, 20},
                       {"to and fro", RunToAndFro, 40},
                       {"same picture again", RunRepeat, 0},

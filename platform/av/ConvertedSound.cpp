@@ -37,7 +37,8 @@ std::unique_ptr<ConvertedSound> ConvertedSound::Create(SoundStream& stream, cons
 void ConvertedSound::Seek(std::int64_t frame) {
     constexpr std::int64_t kMost = std::int64_t{1} << 50;
     frame = std::clamp<std::int64_t>(frame, 0, kMost);
-    m_running = m_running && frame >= m_madeFrom && frame <= m_madeFrom + m_made.frames;
+    m_running = m_running && frame >= std::max(m_madeFrom, m_goodFrom) &&
+                frame <= m_madeFrom + m_made.frames;
     m_next = frame;
 }
 
@@ -46,8 +47,9 @@ bool ConvertedSound::Begin() {
     m_stream.Seek(start);
     m_made = {};
     m_madeFrom = m_conversion->OutputAt(start);
+    m_goodFrom = m_next;
     m_finished = false;
-    m_running = m_conversion->Restart();
+    m_running = m_conversion->Restart(start);
     return m_running;
 }
 

@@ -55,9 +55,10 @@ private:
     std::vector<std::uint8_t> m_planes;         // what it made, taken apart
     SoundBytes m_made;                          // given with the latest Read, or to be given
     std::int64_t m_madeFrom = 0;                // frame number of its first
-    std::int64_t m_next = 0;                    // the next to be given
-    bool m_running = false;                     // the conversion leads there
-    bool m_finished = false;                    // and has come to the end
+    std::int64_t m_goodFrom = 0; // what was made before lacks what sounded ahead of the beginning
+    std::int64_t m_next = 0;     // the next to be given
+    bool m_running = false;      // the conversion leads there
+    bool m_finished = false;     // and has come to the end
 };
 
 } // namespace av

@@ -15,6 +15,9 @@ namespace av {
 namespace {
 
 constexpr int kPieceFrames = 4096;
+constexpr int kBlockFrames = 1024;
+// FFmpeg keeps a filter for each phase where there are no more than these, and else goes between.
+constexpr int kMostPhases = 1024;
 
 std::int64_t LayoutOf(const SoundFormat& format) {
     if (format.layout != 0) {
@@ -65,7 +68,8 @@ SoundConversion::SoundConversion(const SoundFormat& from, const SoundFormat& to)
     , m_to(to)
     , m_step(from.rate / std::gcd(from.rate, to.rate))
     , m_reach(ReachOf(from.rate, to.rate))
-    , m_frameBytes(av_get_bytes_per_sample(to.sample) * to.channels) {}
+    , m_frameBytes(av_get_bytes_per_sample(to.sample) * to.channels)
+    , m_inBlocks(to.rate / std::gcd(from.rate, to.rate) > kMostPhases) {}
 
 std::int64_t SoundConversion::StartFor(std::int64_t position) const {
     const std::int64_t input =
@@ -91,11 +95,28 @@ bool SoundConversion::Configure() {
 }
 
 // The context is kept, and with it the filter, which costs far more than a conversion.
-bool SoundConversion::Restart() {
+bool SoundConversion::Restart(std::int64_t at) {
+    m_at = at;
+    m_block.assign(PlaneCount(), {});
     return (m_context != nullptr || Configure()) && swr_init(m_context.get()) >= 0;
 }
 
-bool SoundConversion::ConvertPiece(const std::uint8_t** planes, int frames, SoundBytes& out) {
+std::size_t SoundConversion::PlaneCount() const {
+    const bool planar = av_sample_fmt_is_planar(m_from.sample) != 0;
+    return static_cast<std::size_t>(planar ? m_from.channels : 1);
+}
+
+// Bytes from a frame of a plane to the next.
+int SoundConversion::PlaneStride() const {
+    const bool planar = av_sample_fmt_is_planar(m_from.sample) != 0;
+    return av_get_bytes_per_sample(m_from.sample) * (planar ? 1 : m_from.channels);
+}
+
+int SoundConversion::MostInPiece() const {
+    return m_inBlocks ? static_cast<int>(kBlockFrames - m_at % kBlockFrames) : kPieceFrames;
+}
+
+bool SoundConversion::ConvertPiece(const std::uint8_t* const* planes, int frames, SoundBytes& out) {
     const int room = swr_get_out_samples(m_context.get(), frames);
     if (room < 0) {
         return false;
@@ -104,43 +125,81 @@ bool SoundConversion::ConvertPiece(const std::uint8_t** planes, int frames, Soun
     const std::size_t before = out.bytes.size();
     out.bytes.resize(before + static_cast<std::size_t>(room) * frameBytes);
     std::uint8_t* to = out.bytes.data() + before;
-    const int made = swr_convert(m_context.get(), &to, room, planes, frames);
+    // It only reads them, though it does not say so.
+    auto** from = const_cast<const std::uint8_t**>(planes);
+    const int made = swr_convert(m_context.get(), &to, room, from, frames);
     out.bytes.resize(before + static_cast<std::size_t>(std::max(made, 0)) * frameBytes);
     out.frames += std::max(made, 0);
     return made >= 0;
 }
 
+bool SoundConversion::ConvertBlock(SoundBytes& out) {
+    std::vector<const std::uint8_t*> planes;
+    planes.reserve(m_block.size());
+    for (const auto& plane : m_block) {
+        planes.push_back(plane.data());
+    }
+    const auto frames =
+        static_cast<int>(m_block.front().size() / static_cast<std::size_t>(PlaneStride()));
+    const bool done = ConvertPiece(planes.data(), frames, out);
+    for (auto& plane : m_block) {
+        plane.clear();
+    }
+    return done;
+}
+
+// No more than MostInPiece().
+bool SoundConversion::Take(const std::vector<const std::uint8_t*>& planes, int frames,
+                           SoundBytes& out) {
+    m_at += frames;
+    if (!m_inBlocks) {
+        return ConvertPiece(planes.data(), frames, out);
+    }
+    for (std::size_t i = 0; i < planes.size(); ++i) {
+        m_block[i].insert(m_block[i].end(), planes[i],
+                          planes[i] + static_cast<std::ptrdiff_t>(frames) * PlaneStride());
+    }
+    return m_at % kBlockFrames != 0 || ConvertBlock(out);
+}
+
 // One plane serves all channels to read silence from.
-void SoundConversion::MakeSilence(std::size_t stride) {
+void SoundConversion::MakeSilence() {
     const bool isUnsigned = av_get_packed_sample_fmt(m_from.sample) == AV_SAMPLE_FMT_U8;
-    m_silence.resize(kPieceFrames * stride, isUnsigned ? 0x80 : 0);
+    m_silence.resize(static_cast<std::size_t>(kPieceFrames) *
+                         static_cast<std::size_t>(PlaneStride()),
+                     isUnsigned ? 0x80 : 0);
 }
 
 bool SoundConversion::Convert(const std::uint8_t* const* planes, int frames, SoundBytes& out) {
     if (m_context == nullptr) {
         return false;
     }
-    const bool planar = av_sample_fmt_is_planar(m_from.sample) != 0;
-    const int stride = av_get_bytes_per_sample(m_from.sample) * (planar ? 1 : m_from.channels);
-    const auto count = static_cast<std::size_t>(planar ? m_from.channels : 1);
     if (planes == nullptr) {
-        MakeSilence(static_cast<std::size_t>(stride));
+        MakeSilence();
     }
-    std::vector<const std::uint8_t*> piece(count);
-    for (int done = 0; done < frames; done += kPieceFrames) {
-        for (std::size_t i = 0; i < count; ++i) {
-            piece[i] = planes == nullptr ? m_silence.data()
-                                         : planes[i] + static_cast<std::ptrdiff_t>(done) * stride;
+    std::vector<const std::uint8_t*> piece(PlaneCount());
+    for (int done = 0; done < frames;) {
+        for (std::size_t i = 0; i < piece.size(); ++i) {
+            piece[i] = planes == nullptr
+                           ? m_silence.data()
+                           : planes[i] + static_cast<std::ptrdiff_t>(done) * PlaneStride();
         }
-        if (!ConvertPiece(piece.data(), std::min(frames - done, kPieceFrames), out)) {
+        const int count = std::min(frames - done, MostInPiece());
+        if (!Take(piece, count, out)) {
             return false;
         }
+        done += count;
     }
     return true;
 }
 
 bool SoundConversion::Finish(SoundBytes& out) {
-    return m_context != nullptr && (m_from.rate == m_to.rate || ConvertPiece(nullptr, 0, out));
+    if (m_context == nullptr) {
+        return false;
+    }
+    const bool holdsPart = m_inBlocks && !m_block.front().empty();
+    return (!holdsPart || ConvertBlock(out)) &&
+           (m_from.rate == m_to.rate || ConvertPiece(nullptr, 0, out));
 }
 
 } // namespace av

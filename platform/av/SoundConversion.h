@@ -47,9 +47,9 @@ public:
     // The output frame that stands where the input frame does, a multiple of Step().
     std::int64_t OutputAt(std::int64_t inputFrame) const;
 
-    // Forgets what it holds; the next input frame is one that stands on a multiple of Step(). False
-    // when memory is out.
-    bool Restart();
+    // Forgets what it holds; the next input frame is number `at`, a multiple of Step(). False when
+    // memory is out.
+    bool Restart(std::int64_t at = 0);
 
     // Puts what comes out behind what `out` has. `planes`: of the input, borrowed for the call;
     // null is silence. False on failure.
@@ -65,8 +65,13 @@ private:
     SoundConversion(const SoundFormat& from, const SoundFormat& to);
 
     bool Configure();
-    bool ConvertPiece(const std::uint8_t** planes, int frames, SoundBytes& out);
-    void MakeSilence(std::size_t stride);
+    std::size_t PlaneCount() const;
+    int PlaneStride() const;
+    int MostInPiece() const;
+    bool Take(const std::vector<const std::uint8_t*>& planes, int frames, SoundBytes& out);
+    bool ConvertBlock(SoundBytes& out);
+    bool ConvertPiece(const std::uint8_t* const* planes, int frames, SoundBytes& out);
+    void MakeSilence();
 
     const SoundFormat m_from;
     const SoundFormat m_to;
@@ -75,6 +80,13 @@ private:
     const int m_frameBytes;
     SwrContextPtr m_context;
     std::vector<std::uint8_t> m_silence; // one plane of it
+
+    // Between rates that have too many phases for a filter each, what FFmpeg makes where one piece
+    // of input meets the next depends on where that is, in the last digits. So the pieces are
+    // blocks that lie where they lie, whoever restarts where.
+    const bool m_inBlocks;
+    std::int64_t m_at = 0;                          // number of the next input frame
+    std::vector<std::vector<std::uint8_t>> m_block; // of each plane what has come of it
 };
 
 } // namespace av

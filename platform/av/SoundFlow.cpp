@@ -85,7 +85,7 @@ bool SoundFlow::GoOn() {
         std::max<std::int64_t>(m_inputFrames - m_conversion->Reach(), 0) / step * step;
     m_conversionAt = m_conversion->OutputAt(start);
     const std::int64_t toHear = m_inputFrames - start;
-    return m_conversion->Restart() &&
+    return m_conversion->Restart(start) &&
            Convert(m_history.data() + (held - toHear) * m_inputFrameBytes,
                    static_cast<int>(toHear));
 }

@@ -1,5 +1,6 @@
 #include "platform/av/ConvertedSound.h"
 
+#include <numeric>
 #include <random>
 #include <tuple>
 
@@ -45,6 +46,24 @@ TEST_P(Rates, RandomReadsEqualTheLinearRead) {
         ASSERT_TRUE(ReadFrames(*sound.converted, static_cast<std::int64_t>(start),
                                static_cast<std::int64_t>(count)) == whole.Slice(start, count))
             << start << " + " << count;
+    }
+}
+
+// A conversion begins where the rates line up; the first frames that it makes there are in phase
+// but have not heard what went before.
+TEST_P(Rates, AShortStepBackIsServedInFull) {
+    const Sound sound = Open();
+    const Frames whole = ReadFrames(*sound.converted, 0, kAll);
+    const int rate = std::get<1>(GetParam());
+    const int grid = rate / std::gcd(rate, sound.stream->Facts().format.rate);
+    const auto count = static_cast<int>(whole.Count());
+    for (int place = grid; place < count - 2000; place += (count / 40 / grid + 1) * grid) {
+        for (const int back : {1, 20, 50, 100, 200, 400, 760, 1500}) {
+            ReadFrames(*sound.converted, place + 2 + back, 10);
+            const std::size_t start = static_cast<std::size_t>(place) + 2;
+            ASSERT_TRUE(ReadFrames(*sound.converted, place + 2, 500) == whole.Slice(start, 500))
+                << back << " back to " << start;
+        }
     }
 }
 
