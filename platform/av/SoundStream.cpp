@@ -147,6 +147,7 @@ bool SoundStream::BeginSegment(std::int64_t at, bool onwards) {
     }
     m_hasFrame = false;
     m_gaveInSegment = false;
+    m_soundTo = at;
     return true;
 }
 
@@ -164,6 +165,7 @@ void SoundStream::TakeFrame() {
                               std::min(sound, m_limit - m_frameStart), 0, m_frame->nb_samples))
                         : 0;
     m_hasFrame = m_frameCount > 0;
+    m_soundTo = m_hasFrame ? m_frameStart + m_frameCount : m_soundTo;
     m_gaveInSegment |= m_hasFrame && m_decodedTo > m_from && m_frameStart < m_to;
 }
 
@@ -221,7 +223,7 @@ bool SoundStream::Step() {
     }
     const SoundPacket* next = m_feed.Peek();
     if (m_draining) {
-        return next == nullptr ? EndStream() : BeginNextSegment(next->position);
+        return next == nullptr ? EndOrGoOn() : BeginNextSegment(next->position);
     }
     if (next == nullptr || next->position >= m_to) {
         m_draining = true;
@@ -246,7 +248,11 @@ std::int64_t SoundStream::LimitOf(std::int64_t start, std::int64_t end) {
     return m_probe.isCounted || next->isCut || next->position < start ? kNever : next->position;
 }
 
-bool SoundStream::EndStream() {
+// The last packet may lie in two segments.
+bool SoundStream::EndOrGoOn() {
+    if (m_soundTo > m_to) {
+        return BeginSegment(m_to, true);
+    }
     m_ended = true;
     return true;
 }

@@ -71,7 +71,7 @@ private:
     void TakeFrame();
     bool Step();
     std::int64_t LimitOf(std::int64_t start, std::int64_t end);
-    bool EndStream();
+    bool EndOrGoOn();
     bool BeginNextSegment(std::int64_t next);
     bool LeadsTo(std::int64_t position) const;
     std::int64_t SegmentOf(std::int64_t position) const;
@@ -94,6 +94,7 @@ private:
     std::int64_t m_from = 0;       // the segment at hand is [m_from, m_to)
     std::int64_t m_to = 0;         //
     std::int64_t m_decodedTo = 0;  // in the segment
+    std::int64_t m_soundTo = 0;    // the same, of what is sound
     bool m_gaveInSegment = false;  // a frame of it was decoded within it
     const FramePtr m_frame;        // the latest that was decoded
     bool m_hasFrame = false;       // and is not given yet

@@ -206,6 +206,19 @@ TEST(SoundStream, ReadingOnDecodesEachPacketOnceAndThePreRollOfEachSegment) {
     EXPECT_LT(stream->Counters().framesDecoded, packets * 108 / 100);
 }
 
+TEST(SoundStream, ALastPacketThatLiesInTwoSegmentsIsReadWhole) {
+    const auto stream = OpenMade("aac-askew.mp4");
+    const Frames whole = ReadFrames(*stream, 0, kAll);
+    constexpr std::size_t kSegment = 49152;
+    ASSERT_GT(whole.Count(), kSegment);
+    ASSERT_LT(whole.Count(), kSegment + 1024);
+    for (const std::size_t from : {kSegment - 700, kSegment, kSegment + 1, whole.Count() - 1}) {
+        EXPECT_TRUE(ReadFrames(*OpenMade("aac-askew.mp4"), static_cast<std::int64_t>(from), kAll) ==
+                    whole.Slice(from, whole.Count() - from))
+            << from;
+    }
+}
+
 TEST(SoundStream, ReadsThatFollowEachOtherAreOneRead) {
     const auto stream = OpenMade("pcm-16.wav");
     for (std::int64_t from = 0; from < 400000; from += 5000) {
