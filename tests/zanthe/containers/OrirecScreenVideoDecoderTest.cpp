@@ -10,6 +10,7 @@
 
 #include "tests/support/AviFile.h"
 #include "tests/support/CompoundFile.h"
+#include "tests/support/MemoryStream.h"
 #include "tests/support/ScriptedCodec.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -401,38 +402,36 @@ TEST_F(Recording, RowsOf24BitsAreReadBackToBack) {
     EXPECT_EQ(buffer[20], 0);
 }
 
-// The frame whose entry in an old index is cut through; -1 for none. It keeps the rest of the entry
-// before, so it may show anything.
-int CutEntry(const std::string& whole, std::size_t size) {
-    const std::size_t entries = whole.find("idx1") + 8;
-    return whole.find("idx1") != std::string::npos && size > entries && (size - entries) % 16 != 0
-               ? static_cast<int>((size - entries) / 16)
-               : -1;
+std::uint32_t FrameCountOf(const std::string& avi) {
+    MemoryStream stream(avi);
+    AVI20::Read::Reader reader(&stream);
+    return reader.GetMediaStreamReader(0).GetFrameCount();
 }
 
-// At each byte, with either index: a frame comes whole and right, or not at all.
+// At each byte, with either index: a frame comes whole and right, or not at all. The last one's
+// entry may be cut itself; it keeps the rest of the one before, and may show anything.
 TEST_F(Recording, AStreamThatIsCutAnywhereGivesRightFramesOrNone) {
     for (const Avi::IndexKind kind : {Avi::IndexKind::Old, Avi::IndexKind::OpenDml}) {
         const std::string whole =
             Avi::OneVideo({TestCode, TestCode, 4, 2, 24}, Frames(10, 4), kind);
         int shown = 0;
-        for (std::size_t size = 0; size <= whole.size(); ++size) {
-            WriteCompoundFile(path, {{"Screen_Stream.avi", whole.substr(0, size)}});
+        for (std::size_t size = 0; size < whole.size(); ++size) {
+            const std::string cut = whole.substr(0, size);
+            WriteCompoundFile(path, {{"Screen_Stream.avi", cut}});
             try {
                 Open();
-            } catch (const std::exception&) {
-                continue; // no index: the way in which such a recording fails to open
-            }
-            for (const int frame : {0, 9, 3, 5}) {
-                const int painted = ReadNumber(frame);
-                if (frame != CutEntry(whole, size)) {
-                    ASSERT_TRUE(painted == -1 || painted == frame) << size << ' ' << painted;
-                    shown += painted == frame ? 1 : 0;
+                const std::uint32_t last = FrameCountOf(cut) - 1;
+                for (const std::uint32_t frame : {0U, 9U, 3U, 5U}) {
+                    const int painted = ReadNumber(static_cast<int>(frame));
+                    const bool right = painted == static_cast<int>(frame);
+                    ASSERT_TRUE(painted == -1 || right || frame == last) << size << ' ' << frame;
+                    shown += right ? 1 : 0;
                 }
+            } catch (const std::exception&) {
+                // No index: the way in which such a recording fails to open.
             }
         }
-        EXPECT_GT(shown, 4);
-        decoder.reset();
+        EXPECT_GT(shown, 100);
     }
 }
 
