@@ -132,8 +132,10 @@ void OrirecScreenVideoDecoder::FillFormats(const StreamInfo& info) {
 
     m_outputFormat.biBitCount = 32;
     m_outputFormat.biCompression = BI_RGB;
-    m_outputFormat.biSizeImage = static_cast<DWORD>(m_outputFormat.biWidth) *
-                                 static_cast<DWORD>(m_outputFormat.biHeight) * kPixelBytes;
+    // At most 2^29: the size is that of a picture.
+    m_outputFormat.biSizeImage =
+        static_cast<DWORD>(static_cast<std::size_t>(m_outputFormat.biWidth) *
+                           static_cast<std::size_t>(m_outputFormat.biHeight) * kPixelBytes);
 }
 
 // The screen codec wants its pixels as they were taken, and rows of whole groups of four.

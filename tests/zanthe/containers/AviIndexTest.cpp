@@ -279,7 +279,7 @@ TEST(AviIndex, ALongIndexIsReadOnceInLargePieces) {
 }
 
 TEST(AviIndex, LongStandardIndexesAreReadOnceInLargePieces) {
-    constexpr std::uint32_t indexes = 100;
+    constexpr std::uint64_t indexes = 100;
     constexpr std::uint32_t framesOfEach = 10'000;
     std::string entries;
     for (std::uint32_t i = 0; i < framesOfEach; ++i) {
@@ -287,7 +287,7 @@ TEST(AviIndex, LongStandardIndexesAreReadOnceInLargePieces) {
     }
     std::string super;
     std::string standard;
-    for (std::uint32_t i = 0; i < indexes; ++i) {
+    for (std::uint64_t i = 0; i < indexes; ++i) {
         super += SuperEntry(24 + 16 * indexes + standard.size());
         standard += StandardIndex(1'000'000 * i, framesOfEach, entries);
     }
@@ -298,7 +298,7 @@ TEST(AviIndex, LongStandardIndexesAreReadOnceInLargePieces) {
     EXPECT_EQ(index.GetFrameOffset(987'654), 98'000'000U + 7'654);
     EXPECT_EQ(index.FindKeyFrame(987'654), 987'000U);
     EXPECT_EQ(index.GetTotalBytes(), 100'000'000U);
-    EXPECT_EQ(stream.bytesRead, 24 + indexes * (16 + 24 + 8 * framesOfEach));
+    EXPECT_EQ(stream.bytesRead, 24 + indexes * (16 + 24 + 8ULL * framesOfEach));
     EXPECT_LT(stream.reads, 500U);
 }
 
