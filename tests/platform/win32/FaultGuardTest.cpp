@@ -13,13 +13,13 @@ namespace {
 // Memory that nobody may touch.
 class Forbidden : public testing::Test {
 protected:
-    Forbidden() {
+    void SetUp() override {
         void* page = mmap(nullptr, Bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        EXPECT_NE(page, MAP_FAILED);
+        ASSERT_NE(page, MAP_FAILED);
         m_byte = static_cast<volatile char*>(page);
     }
 
-    ~Forbidden() override {
+    void TearDown() override {
         munmap(const_cast<char*>(m_byte), Bytes);
         win32::SetFaultGuards(true);
     }

@@ -438,7 +438,7 @@ TEST_F(Recording, AStreamThatIsCutAnywhereGivesRightFramesOrNone) {
 // Recordings in the screen codec, which asks for formats of its own.
 class ScreenRecording : public Recording {
 protected:
-    ~ScreenRecording() override { decoder.reset(); } // before its codec
+    void TearDown() override { decoder.reset(); } // before its codec
 
     ScriptedCodec screen{ScreenCode};
 
