@@ -86,10 +86,10 @@ std::string Media(std::uint64_t base, std::string& super) {
 }
 
 std::string MediaPath() {
-    const std::string path = ZANTHE_BENCH_MEDIA_FOLDER "/million-frames.avi";
+    std::string path = ZANTHE_BENCH_MEDIA_FOLDER "/million-frames.avi";
     if (!std::filesystem::exists(path)) {
         std::filesystem::create_directories(ZANTHE_BENCH_MEDIA_FOLDER);
-        std::string super(Frames / FramesOfAnIndex * 16, '\0');
+        std::string super(std::size_t{Frames} / FramesOfAnIndex * 16, '\0');
         const std::uint64_t base = 12 + Headers(super).size() + 12;
         super.clear();
         const std::string media = Media(base, super);

@@ -31,8 +31,10 @@ void RequirePremultiplied(const Zanthe::Bitmap& bitmap) {
 
 void LoadAt(const CStringW& path, int maxDimension) {
     Zanthe::WICImageLoader loader(path, maxDimension);
-    Require(loader.GetWidth() >= 1 && loader.GetHeight() >= 1);
+    Require(loader.GetWidth() >= 0 && loader.GetHeight() >= 0);
     loader.Load(0.0, 0, 0);
+    // A GIF file need not have a picture; one that is shown has an area.
+    Require(loader.GetWidth() >= 1 && loader.GetHeight() >= 1);
     RequirePremultiplied(*loader.GetBitmap());
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "fuzz/BytesAsFile.h"
+#include "platform/win32/FaultGuard.h"
 #include "zanthe/containers/OrirecScreenVideoDecoder.h"
 
 namespace {
@@ -29,6 +30,7 @@ void ReadPictures(OrirecScreenVideoDecoder& decoder) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    win32::SetFaultGuards(false); // a decoder that faults is what is looked for
     const BytesAsFile file(data, size);
     try {
         ReadPictures(*OrirecScreenVideoDecoder::create(file.Path()));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 
 // Thread-safety: both are safe from any thread.
 
@@ -11,3 +12,14 @@ void* CoTaskMemAlloc(std::size_t byteCount);
 
 // Null is given back like anything else: nothing happens.
 void CoTaskMemFree(void* memory);
+
+namespace com {
+
+struct FreeTaskMemory {
+    void operator()(void* memory) const { CoTaskMemFree(memory); }
+};
+
+// Text that the other side has allocated, given back at its end.
+using TaskText = std::unique_ptr<wchar_t, FreeTaskMemory>;
+
+} // namespace com

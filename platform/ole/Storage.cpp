@@ -152,10 +152,11 @@ public:
         }
         *stream = nullptr;
         return com::Wall([&]() -> HRESULT {
-            InputPtr child;
+            Child child;
             const HRESULT found = FindChild(name, mode, STGTY_STREAM, child);
-            return FAILED(found) ? found
-                                 : com::Make<CompoundStream>(stream, std::move(child), name);
+            return FAILED(found)
+                       ? found
+                       : com::Make<CompoundStream>(stream, std::move(child.input), child.name);
         });
     }
 
@@ -170,11 +171,12 @@ public:
         }
         *storage = nullptr;
         return com::Wall([&]() -> HRESULT {
-            InputPtr child;
+            Child child;
             const HRESULT found = FindChild(name, mode, STGTY_STORAGE, child);
-            return FAILED(found) ? found
-                                 : com::Make<CompoundStorage>(
-                                       storage, InfilePtr(GSF_INFILE(child.release())), name);
+            return FAILED(found)
+                       ? found
+                       : com::Make<CompoundStorage>(
+                             storage, InfilePtr(GSF_INFILE(child.input.release())), child.name);
         });
     }
 
@@ -231,11 +233,16 @@ private:
                    : STGTY_STREAM;
     }
 
-    InputPtr Child(std::size_t index) const {
+    struct Child {
+        InputPtr input;
+        std::wstring name; // its own, whatever the case that it was asked for in
+    };
+
+    InputPtr InputOf(std::size_t index) const {
         return ole::ChildOf(*m_infile, static_cast<int>(index));
     }
 
-    HRESULT FindChild(LPCWSTR name, DWORD mode, STGTY type, InputPtr& child) const {
+    HRESULT FindChild(LPCWSTR name, DWORD mode, STGTY type, Child& child) const {
         if (name == nullptr) {
             return STG_E_INVALIDNAME;
         }
@@ -247,18 +254,18 @@ private:
         if (found == m_names.end()) {
             return STG_E_FILENOTFOUND;
         }
-        child = Child(static_cast<std::size_t>(found - m_names.begin()));
-        if (child == nullptr) {
+        child = {InputOf(static_cast<std::size_t>(found - m_names.begin())), *found};
+        if (child.input == nullptr) {
             return STG_E_READFAULT;
         }
-        return TypeOf(child.get()) == type ? S_OK : STG_E_FILENOTFOUND;
+        return TypeOf(child.input.get()) == type ? S_OK : STG_E_FILENOTFOUND;
     }
 
     // An element whose chain of sectors is broken is told without a size.
     std::vector<Element> Elements() const {
         std::vector<Element> elements;
         for (std::size_t i = 0; i < m_names.size(); ++i) {
-            const InputPtr child = Child(i);
+            const InputPtr child = InputOf(i);
             const STGTY type = child == nullptr ? STGTY_STREAM : TypeOf(child.get());
             const gsf_off_t size =
                 child == nullptr || type == STGTY_STORAGE ? 0 : gsf_input_size(child.get());

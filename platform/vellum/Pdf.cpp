@@ -1,8 +1,5 @@
 #include "platform/vellum/Pdf.h"
 
-#include <cerrno>
-#include <cstddef>
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -43,7 +43,6 @@ public:
 private:
     BmpFile(std::shared_ptr<const InputFile> file, const BmpHeader& header);
 
-    PixelKind Kind() const;
     bool HasAlphaMask() const;
     HRESULT DecodePlain(RowWriter& writer) const;
     HRESULT DecodeRuns(RowWriter& writer) const;

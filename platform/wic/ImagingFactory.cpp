@@ -1,7 +1,5 @@
 #include "platform/wic/ImagingFactory.h"
 
-#include <cerrno>
-
 #include "platform/com/Object.h"
 #include "platform/wic/Decoders.h"
 #include "platform/wic/Stages.h"

@@ -17,6 +17,13 @@ inline constexpr std::uint64_t MaxPicturePixels = std::uint64_t{1} << 28;
 // WebP, HEIF.
 inline constexpr std::uint64_t MaxProgressivePixels = std::uint64_t{1} << 27;
 
+// No row is longer, in bytes as it is decoded: to scale, libvips holds hundreds of them. One of
+// 131072 pixels of four values of 16 bits just is.
+inline constexpr std::uint64_t MaxRowBytes = std::uint64_t{1} << 20;
+
+// The same of rows that are only there together.
+inline constexpr std::uint64_t MaxStripBytes = std::uint64_t{1} << 29;
+
 // No surface and no frame of a GIF is larger: one of 7680 by 4320 just is, and takes 128 MiB.
 inline constexpr std::uint64_t MaxSurfacePixels = std::uint64_t{1} << 25;
 

@@ -6,7 +6,6 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/wic/TiffTags.h"
 #include "platform/wic/VipsRendering.h"
 
 namespace wic {
@@ -16,13 +15,25 @@ namespace {
 // One reading of the file by libvips; ends with the VipsSource that it is attached to.
 struct Reading {
     std::shared_ptr<const InputFile> file;
+    FilePatch patch;
     std::int64_t position = 0;
 };
+
+// Lays the patch over `count` bytes that begin at `offset` of the file.
+void Apply(const FilePatch& patch, std::int64_t offset, std::uint8_t* bytes, std::size_t count) {
+    for (std::size_t i = 0; i < patch.count; ++i) {
+        const std::int64_t at = patch.offset + static_cast<std::int64_t>(i) - offset;
+        if (at >= 0 && at < static_cast<std::int64_t>(count)) {
+            bytes[at] = patch.bytes[i];
+        }
+    }
+}
 
 // Called by libvips, on whichever of its threads decodes; one at a time.
 gint64 ReadBytes(VipsSourceCustom*, void* buffer, gint64 length, Reading* reading) {
     const std::size_t got =
         reading->file->ReadAt(reading->position, buffer, static_cast<std::size_t>(length));
+    Apply(reading->patch, reading->position, static_cast<std::uint8_t*>(buffer), got);
     reading->position += static_cast<std::int64_t>(got);
     return static_cast<gint64>(got);
 }
@@ -48,13 +59,13 @@ void EndReading(gpointer reading, GClosure*) {
 
 // Through our own file, not a descriptor of libvips': that would be mapped into memory, where a
 // file that somebody shortens meanwhile kills the process.
-VipsSourcePtr SourceOf(std::shared_ptr<const InputFile> file) {
+VipsSourcePtr SourceOf(std::shared_ptr<const InputFile> file, const FilePatch& patch = {}) {
     VipsSourceCustom* custom = vips_source_custom_new();
     if (custom == nullptr) {
         return nullptr;
     }
     VipsSourcePtr source(VIPS_SOURCE(custom));
-    auto reading = std::make_unique<Reading>(Reading{std::move(file)});
+    auto reading = std::make_unique<Reading>(Reading{std::move(file), patch});
     g_signal_connect(custom, "seek", G_CALLBACK(SeekTo), reading.get());
     g_signal_connect_data(custom, "read", G_CALLBACK(ReadBytes), reading.release(), EndReading,
                           GConnectFlags{});
@@ -98,6 +109,15 @@ bool IsSixteenBits(const VipsImagePtr& image) {
 bool IsHeldWhole(std::string_view loader, const VipsImagePtr& image) {
     return loader == WebpLoader || loader == HeifLoader ||
            vips_image_get_typeof(image.get(), "interlaced") != 0;
+}
+
+bool IsTooLarge(std::string_view loader, const TiffTags& tags, const VipsImagePtr& image) {
+    const auto width = static_cast<std::uint64_t>(image->Xsize);
+    const auto height = static_cast<std::uint64_t>(image->Ysize);
+    const std::uint64_t rowBytes = width * VIPS_IMAGE_SIZEOF_PEL(image.get());
+    return width * height >
+               (IsHeldWhole(loader, image) ? MaxProgressivePixels : MaxPicturePixels) ||
+           rowBytes > MaxRowBytes || rowBytes * RowsHeldOf(tags, height) > MaxStripBytes;
 }
 
 WICPixelFormatGUID IndexedFormat(int bits) {
@@ -163,20 +183,22 @@ HRESULT VipsFile::ReadHeader() {
     if (!image) {
         return WINCODEC_ERR_BADIMAGE;
     }
-    const std::uint64_t pixels =
-        static_cast<std::uint64_t>(image->Xsize) * static_cast<std::uint64_t>(image->Ysize);
-    if (pixels > (IsHeldWhole(loader, image) ? MaxProgressivePixels : MaxPicturePixels)) {
-        return WINCODEC_ERR_IMAGESIZEOUTOFRANGE;
-    }
     m_isJpeg = loader == JpegLoader;
     const TiffTags tags = loader == TiffLoader ? ReadTiffTags(*m_file) : TiffTags();
+    if (IsTooLarge(loader, tags, image)) {
+        return WINCODEC_ERR_IMAGESIZEOUTOFRANGE;
+    }
     if (IsYcbcrThatStaysSo(tags)) {
         return WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT;
     }
-    const bool premultiplied = IsPremultipliedRgba(tags);
+    m_isPremultiplied = IsPremultiplied(tags) && vips_band_format_isint(image->BandFmt) != 0;
+    if (m_isPremultiplied) {
+        m_patch = WithoutAssociation(tags);
+    }
     m_shape = {static_cast<UINT>(image->Xsize), static_cast<UINT>(image->Ysize),
-               premultiplied ? GUID_WICPixelFormat32bppPBGRA : FormatOf(image), DpiOf(image->Xres),
-               DpiOf(image->Yres)};
+               m_isPremultiplied && IsPremultipliedRgba(tags) ? GUID_WICPixelFormat32bppPBGRA
+                                                              : FormatOf(image),
+               DpiOf(image->Xres), DpiOf(image->Yres)};
     if (m_isJpeg && vips_image_get_typeof(image.get(), VIPS_META_ORIENTATION) != 0) {
         m_orientation = static_cast<std::uint16_t>(vips_image_get_orientation(image.get()));
     }
@@ -184,7 +206,7 @@ HRESULT VipsFile::ReadHeader() {
 }
 
 VipsImagePtr VipsFile::OpenImage(int shrink) const {
-    const VipsSourcePtr source = SourceOf(m_file);
+    const VipsSourcePtr source = SourceOf(m_file, m_patch);
     if (!source) {
         return nullptr;
     }
@@ -214,7 +236,8 @@ int VipsFile::ShrinkFor(const Rendering& rendering) const {
 
 HRESULT VipsFile::Render(const Rendering& rendering) const {
     VipsImagePtr image = OpenImage(ShrinkFor(rendering));
-    return image ? RenderLoaded(std::move(image), rendering) : WINCODEC_ERR_BADIMAGE;
+    return image ? RenderLoaded(std::move(image), m_isPremultiplied, rendering)
+                 : WINCODEC_ERR_BADIMAGE;
 }
 
 } // namespace wic

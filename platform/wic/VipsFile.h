@@ -6,6 +6,7 @@
 
 #include "platform/wic/InputFile.h"
 #include "platform/wic/Rendering.h"
+#include "platform/wic/TiffTags.h"
 #include "platform/wic/VipsHandles.h"
 
 namespace wic {
@@ -39,7 +40,9 @@ private:
     std::shared_ptr<const InputFile> m_file;
     PictureShape m_shape;
     std::optional<std::uint16_t> m_orientation;
+    FilePatch m_patch;
     bool m_isJpeg = false;
+    bool m_isPremultiplied = false; // when it is read with the patch
 };
 
 } // namespace wic

@@ -15,6 +15,8 @@ bool Start() {
         return false;
     }
     vips_block_untrusted_set(TRUE);
+    // Its cache of operations would keep pictures, and their files open, that nobody has any more.
+    vips_cache_set_max(0);
     return true;
 }
 

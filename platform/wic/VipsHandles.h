@@ -18,7 +18,8 @@ using VipsImagePtr = std::unique_ptr<VipsImage, DropVipsObject>;
 using VipsSourcePtr = std::unique_ptr<VipsSource, DropVipsObject>;
 
 // Starts libvips, once for the process, and keeps its loaders that are not hardened against
-// hostile files shut from then on. False where it cannot be started.
+// hostile files shut from then on, and its cache of operations empty. False where it cannot be
+// started.
 //
 // Thread-safety: safe from any thread.
 bool StartVips();

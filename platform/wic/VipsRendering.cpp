@@ -130,7 +130,7 @@ struct BytePicture {
 };
 
 // Colours are taken as the file has them: profiles are the host's affair, as for video.
-std::optional<BytePicture> AsBytes(VipsImagePtr image) {
+std::optional<BytePicture> AsBytes(VipsImagePtr image, bool premultiplied) {
     if (image->Type == VIPS_INTERPRETATION_CMYK && image->Bands >= 4 && !IsFloat(image)) {
         image = ToBytes(Bands(image, 4));
         return image ? std::optional(BytePicture{std::move(image), {PixelLayout::Cmyk, false}})
@@ -148,7 +148,7 @@ std::optional<BytePicture> AsBytes(VipsImagePtr image) {
     if (!image) {
         return std::nullopt;
     }
-    const PixelKind kind{LayoutOf(image->Bands), false};
+    const PixelKind kind{LayoutOf(image->Bands), premultiplied};
     return BytePicture{std::move(image), kind};
 }
 
@@ -220,8 +220,8 @@ HRESULT RenderMemory(const BYTE* pixels, const PictureShape& shape, const PixelK
     return image ? RenderVips(std::move(image), kind, rendering) : Failed();
 }
 
-HRESULT RenderLoaded(VipsImagePtr image, const Rendering& rendering) {
-    std::optional<BytePicture> bytes = AsBytes(std::move(image));
+HRESULT RenderLoaded(VipsImagePtr image, bool premultiplied, const Rendering& rendering) {
+    std::optional<BytePicture> bytes = AsBytes(std::move(image), premultiplied);
     return bytes ? RenderVips(std::move(bytes->image), bytes->kind, rendering) : Failed();
 }
 

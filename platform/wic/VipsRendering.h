@@ -16,6 +16,7 @@ HRESULT RenderMemory(const BYTE* pixels, const PictureShape& shape, const PixelK
                      const Rendering& rendering);
 
 // The same of a picture as a loader gives it, of any number, type and meaning of bands.
-HRESULT RenderLoaded(VipsImagePtr image, const Rendering& rendering);
+// `premultiplied`: its colours are multiplied by their alpha, and are gray or red, green and blue.
+HRESULT RenderLoaded(VipsImagePtr image, bool premultiplied, const Rendering& rendering);
 
 } // namespace wic

@@ -51,4 +51,9 @@ enum class IndexKind { Old, OpenDml };
 // the second half of the frames stands in an "AVIX" list, and junk stands wherever it may.
 std::string OneVideo(const VideoStream& stream, const std::vector<Frame>& frames, IndexKind kind);
 
+// A file of a stream of sound, of 16-bit samples at 8000 Hz, and behind it one of pictures, each
+// with an OpenDML index of its own, as above.
+std::string SoundAndVideo(const std::vector<Frame>& sound, const VideoStream& stream,
+                          const std::vector<Frame>& frames);
+
 } // namespace Avi

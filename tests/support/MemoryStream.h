@@ -8,6 +8,7 @@
 #include "zanthe/containers/avi20/IStream.h"
 
 // Bytes in memory as the reader of AVI files wants them. It counts what it is asked for.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): final, and ended as what it is
 class MemoryStream final : public AVI20::Read::IStream {
 public:
     explicit MemoryStream(std::string bytes)

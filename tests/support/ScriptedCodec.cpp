@@ -14,6 +14,11 @@ std::string TextOf(const BITMAPINFOHEADER& format) {
            std::to_string(format.biHeight) + " (" + std::to_string(format.biSizeImage) + ')';
 }
 
+std::string TextOf(LPARAM input, LPARAM output) {
+    return TextOf(*reinterpret_cast<const BITMAPINFOHEADER*>(input)) + " -> " +
+           TextOf(*reinterpret_cast<const BITMAPINFOHEADER*>(output));
+}
+
 } // namespace
 
 ScriptedCodec::ScriptedCodec(DWORD handler)
@@ -43,8 +48,7 @@ LRESULT ScriptedCodec::Answer(DWORD_PTR id, HDRVR, UINT message, LPARAM first, L
     case ICM_DECOMPRESS_QUERY:
         return codec.Query(first, second);
     case ICM_DECOMPRESS_BEGIN:
-        codec.calls.emplace_back("begin");
-        return ICERR_OK;
+        return codec.Begin(first, second);
     case ICM_DECOMPRESS_END:
         codec.calls.emplace_back("end");
         return ICERR_OK;
@@ -66,8 +70,14 @@ LRESULT ScriptedCodec::Open(DWORD handler) {
 LRESULT ScriptedCodec::Query(LPARAM first, LPARAM second) {
     const auto& input = *reinterpret_cast<const BITMAPINFOHEADER*>(first);
     const auto& output = *reinterpret_cast<const BITMAPINFOHEADER*>(second);
-    calls.push_back("query " + TextOf(input) + " -> " + TextOf(output));
+    calls.push_back("query " + TextOf(first, second));
     return onQuery ? onQuery(input, output) : ICERR_OK;
+}
+
+LRESULT ScriptedCodec::Begin(LPARAM first, LPARAM second) {
+    calls.emplace_back("begin");
+    begun = TextOf(first, second);
+    return beginAnswer;
 }
 
 LRESULT ScriptedCodec::Decompress(const ICDECOMPRESS& picture) {

@@ -13,6 +13,7 @@
 #include "tests/support/StillPictures.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
+#include "tests/support/TiffBytes.h"
 #include "tests/tools/ProgramRun.h"
 
 using ::testing::HasSubstr;
@@ -147,6 +148,27 @@ TEST_F(ProgramBombs, AJpegThatEndsEarlyStaysSmall) {
 TEST_F(ProgramBombs, ATiffThatClaimsTooMuchIsRefused) {
     EXPECT_THAT(RunImage("a.tiff", TiffOfRows(60000, 60000, "abcd", false), 150).err,
                 HasSubstr(TooLarge));
+}
+
+// Few rows, and each longer than many pictures.
+TEST_F(ProgramBombs, RowsWithoutEndAreRefused) {
+    EXPECT_THAT(RunImage("a.png", GrayPng(10000000, 26, false, DeflatedZeros(100000000)), 150).err,
+                HasSubstr(TooLarge));
+}
+
+// The longest row that is read, with as many rows as there may be.
+TEST_F(ProgramBombs, LongRowsStayBounded) {
+    const std::string bytes = GrayPng(1 << 20, 256, false, DeflatedZeros(((1ULL << 20) + 1) * 256));
+    const ProgramEnd end = RunImage("a.png", bytes, 700);
+    EXPECT_EQ(end.status, 0) << end.err;
+    EXPECT_THAT(end.out, HasSubstr("4096x1"));
+}
+
+// Planes that are put together when all of them have been read.
+TEST_F(ProgramBombs, ATiffOfPlanesInOneStripIsRefused) {
+    TiffBytes tiff(16384, 16384, {16, 16, 16, 16}, std::string(100, '\0'));
+    tiff.Set(TiffBytes::Planes, {2}).Set(TiffBytes::Compression, {5});
+    EXPECT_THAT(RunImage("a.tiff", tiff.Bytes(), 150).err, HasSubstr(TooLarge));
 }
 
 TEST_F(ProgramBombs, ABmpThatClaimsTooMuchIsRefused) {

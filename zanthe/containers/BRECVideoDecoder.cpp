@@ -33,8 +33,8 @@ void BRECVideoDecoder::initialize() {
 
 void BRECVideoDecoder::initialize(const Opener& open) {
     const auto format = BREC::AudioFormat::create16BitSignedInterleaved(SampleRate, ChannelCount);
-    m_track.reset();
     m_reader = open(m_path, format, nullptr);
+    m_track.reset();
     if (m_reader == nullptr) {
         return;
     }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+#include "platform/win32/FaultGuard.h"
 #include "platform/win32/Text.h"
 #include "zanthe/core/TextException.h"
 
@@ -131,8 +132,10 @@ void OrirecScreenVideoDecoder::FillFormats(const StreamInfo& info) {
 
     m_outputFormat.biBitCount = 32;
     m_outputFormat.biCompression = BI_RGB;
-    m_outputFormat.biSizeImage = static_cast<DWORD>(m_outputFormat.biWidth) *
-                                 static_cast<DWORD>(m_outputFormat.biHeight) * kPixelBytes;
+    // At most 2^29: the size is that of a picture.
+    m_outputFormat.biSizeImage =
+        static_cast<DWORD>(static_cast<std::size_t>(m_outputFormat.biWidth) *
+                           static_cast<std::size_t>(m_outputFormat.biHeight) * kPixelBytes);
 }
 
 // The screen codec wants its pixels as they were taken, and rows of whole groups of four.
@@ -243,12 +246,16 @@ bool OrirecScreenVideoDecoder::DecodeFrame(std::uint32_t frame, std::uint32_t si
     return true;
 }
 
-// Codecs are other people's: one that throws has failed to decode a frame, and no more.
+// Codecs are other people's: one that throws or faults has failed to decode a frame, and no more.
 bool OrirecScreenVideoDecoder::Decompress(std::uint32_t frame) {
     const DWORD flags = m_bundle->Video().IsKeyFrame(frame) ? 0 : ICDECOMPRESS_NOTKEYFRAME;
+    auto result = static_cast<DWORD>(ICERR_ERROR);
+    const auto decompress = [&] {
+        result = ICDecompress(m_codec.get(), flags, &m_inputFormat, m_compressedBuffer.Data(),
+                              &m_outputFormat, m_decodedBuffer.Data());
+    };
     try {
-        return ICDecompress(m_codec.get(), flags, &m_inputFormat, m_compressedBuffer.Data(),
-                            &m_outputFormat, m_decodedBuffer.Data()) == ICERR_OK;
+        return win32::SurvivesFaults(decompress) && result == ICERR_OK;
     } catch (...) {
         return false;
     }

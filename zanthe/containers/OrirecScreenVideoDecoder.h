@@ -49,7 +49,8 @@ public:
     // 32-bit pixels: blue, green, red, and a fourth byte that is 255 unless the codec gives its
     // own. actualTime becomes the time that was asked for. False, with `buffer` untouched, outside
     // the stream, and where a frame cannot be read or decoded; a later call may succeed. What the
-    // codec throws counts as such a failure.
+    // codec throws counts as such a failure, and so does a fault of the processor in it (on this
+    // thread; platform/win32/FaultGuard.h tells the rest).
     bool readFrame(Zanthe::MediaTime time, unsigned char* buffer, double& actualTime) override;
 
 private:

@@ -18,9 +18,9 @@ std::vector<StorageMember> ListStorageMembers(const std::string& path) {
     }
     STATSTG element{};
     while (elements->Next(1, &element, nullptr) == S_OK) {
-        members.push_back({win32::WideToUtf8(element.pwcsName), element.type == STGTY_STORAGE,
+        const com::TaskText name(element.pwcsName);
+        members.push_back({win32::WideToUtf8(name.get()), element.type == STGTY_STORAGE,
                            element.cbSize.QuadPart});
-        CoTaskMemFree(element.pwcsName);
     }
     return members;
 }

@@ -40,8 +40,8 @@ bool StructuredStorage::EnumElementNames(std::vector<std::wstring>& names) {
     }
     STATSTG element{};
     while ((m_result = elements->Next(1, &element, nullptr)) == S_OK) {
-        names.emplace_back(element.pwcsName);
-        CoTaskMemFree(element.pwcsName);
+        const com::TaskText name(element.pwcsName);
+        names.emplace_back(name.get());
     }
     return SUCCEEDED(m_result);
 }

@@ -40,8 +40,8 @@ public:
     // plays no part. Throws std::bad_alloc as Bitmap does, and std::runtime_error:
     //   "PdfImageLoader: width and height must be > 0"    the picture at hand stays
     //   "PdfImageLoader: Couldn't load a bitmap"          there is no page, or a side is above
-    //   32767
-    //                                                     pixels; the picture is undefined then
+    //                                                     32767; what the picture shows is
+    //                                                     undefined
     void Load(double time, int width, int height) override;
 
     bool IsVectorResizable() const override; // true

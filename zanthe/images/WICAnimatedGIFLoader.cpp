@@ -38,8 +38,8 @@ D2D1_RECT_F RectangleOf(const WICAnimatedGIFReader::frameInfo& frame) {
             static_cast<FLOAT>(frame.right), static_cast<FLOAT>(frame.bottom)};
 }
 
-D2D1_RECT_F Whole(const D2D1_SIZE_F& size) {
-    return {0.0F, 0.0F, size.width, size.height};
+D2D1_RECT_F Whole(UINT width, UINT height) {
+    return {0.0F, 0.0F, static_cast<FLOAT>(width), static_cast<FLOAT>(height)};
 }
 
 } // namespace
@@ -247,7 +247,7 @@ HRESULT WICAnimatedGIFLoader::PreRender() {
         return result;
     }
     const D2D1_COLOR_F background = ColourOf(m_reader->Background());
-    const D2D1_RECT_F whole = Whole(m_targetRenderer->GetSize());
+    const D2D1_RECT_F whole = Whole(width, height);
     m_targetRenderer->BeginDraw();
     m_targetRenderer->Clear(&background);
     m_targetRenderer->DrawBitmap(pixels.Get(), &whole, 1.0F, D2D1_BITMAP_INTERPOLATION_MODE_LINEAR,

@@ -59,8 +59,7 @@ public:
     //
     // Throws std::runtime_error:
     //   "WICAnimatedGIFLoader: Error compositing frame"     a frame is damaged, has no area, or
-    //   goes
-    //                                                       back to a picture that was not kept
+    //                                                       goes back to what was not kept
     //   "WICAnimatedGIFLoader: Error PreRendering frame"    the picture cannot be handed over
     void GetFrameAtTimeIntoBuffer(double seconds, unsigned char* buffer);
 

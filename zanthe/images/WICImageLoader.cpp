@@ -39,13 +39,21 @@ com::ComPtr<IWICBitmapSource> CappedSource(IWICImagingFactory& factory,
     return com::ComPtr<IWICBitmapSource>(scaler.Get());
 }
 
-HRESULT Premultiplied(IWICImagingFactory& factory, IWICBitmapSource& source,
-                      com::ComPtr<IWICFormatConverter>& converter) {
-    const HRESULT made = factory.CreateFormatConverter(converter.Put());
-    return SUCCEEDED(made) ? converter->Initialize(&source, GUID_WICPixelFormat32bppPBGRA,
-                                                   WICBitmapDitherTypeNone, nullptr, 0.0,
-                                                   WICBitmapPaletteTypeCustom)
-                           : made;
+// The frame within the capped size, as 32-bit premultiplied BGRA.
+HRESULT CappedAndPremultiplied(IWICImagingFactory& factory, IWICBitmapFrameDecode& frame,
+                               int maxDimension, com::ComPtr<IWICBitmapSource>& source) {
+    com::ComPtr<IWICFormatConverter> converter;
+    HRESULT result = factory.CreateFormatConverter(converter.Put());
+    if (SUCCEEDED(result)) {
+        const com::ComPtr<IWICBitmapSource> capped = CappedSource(factory, frame, maxDimension);
+        result = converter->Initialize(capped.Get(), GUID_WICPixelFormat32bppPBGRA,
+                                       WICBitmapDitherTypeNone, nullptr, 0.0,
+                                       WICBitmapPaletteTypeCustom);
+    }
+    if (SUCCEEDED(result)) {
+        source = com::ComPtr<IWICBitmapSource>(converter.Get());
+    }
+    return result;
 }
 
 } // namespace
@@ -148,12 +156,10 @@ HRESULT WICImageLoader::DecodeFrame(int index) {
     com::ComPtr<IWICBitmapSource> source(frame.Get());
     // What needs no conversion is not capped either. Hosts know it so.
     if (format != GUID_WICPixelFormat32bppPBGRA) {
-        com::ComPtr<IWICFormatConverter> converter;
-        result = Premultiplied(factory, *CappedSource(factory, *frame, m_maxDimension), converter);
+        result = CappedAndPremultiplied(factory, *frame, m_maxDimension, source);
         if (FAILED(result)) {
             return result;
         }
-        source = com::ComPtr<IWICBitmapSource>(converter.Get());
     }
     SetBitmap(WICImageHelper::CreateBitmapFromWICBitmapSource(
         OrientedSource(factory, *frame, source.Get()).Get()));

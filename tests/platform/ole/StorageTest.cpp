@@ -11,6 +11,7 @@
 #include "platform/ole/Storage.h"
 #include "platform/win32/Text.h"
 #include "tests/support/CompoundFile.h"
+#include "tests/support/SlotOf.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
@@ -149,6 +150,57 @@ TEST_F(Storage, ElementsAreTold) {
     EXPECT_EQ(elements->Reset(), S_OK);
     EXPECT_EQ(elements->Skip(2), S_OK);
     EXPECT_EQ(elements->Skip(2), S_FALSE);
+}
+
+TEST_F(Storage, ElementsAreToldSeveralAtATime) {
+    const auto storage = Open(path);
+    com::ComPtr<IEnumSTATSTG> elements;
+    ASSERT_EQ(storage->EnumElements(0, nullptr, 0, elements.Put()), S_OK);
+    std::vector<STATSTG> facts(5);
+    EXPECT_EQ(elements->Next(2, facts.data(), nullptr), STG_E_INVALIDPOINTER);
+    EXPECT_EQ(elements->Next(1, nullptr, nullptr), STG_E_INVALIDPOINTER);
+    ULONG fetched = 7;
+    EXPECT_EQ(elements->Next(2, facts.data(), &fetched), S_OK);
+    EXPECT_EQ(fetched, 2U);
+    com::ComPtr<IEnumSTATSTG> clone;
+    ASSERT_EQ(elements->Clone(clone.Put()), S_OK);
+    EXPECT_EQ(elements->Next(3, facts.data() + 2, &fetched), S_FALSE);
+    EXPECT_EQ(fetched, 1U);
+    EXPECT_EQ(clone->Next(1, facts.data() + 3, nullptr), S_OK); // at the place of the first
+    EXPECT_EQ(clone->Next(1, facts.data() + 4, nullptr), S_FALSE);
+    EXPECT_STREQ(facts[2].pwcsName, facts[3].pwcsName);
+    for (std::size_t i = 0; i < 4; ++i) {
+        CoTaskMemFree(facts[i].pwcsName);
+    }
+}
+
+TEST_F(Storage, AStreamTellsItsOwnName) {
+    const auto storage = Open(path);
+    const auto stream = OpenStream(*storage, L"LARGE.avi");
+    STATSTG facts{};
+    ASSERT_EQ(stream->Stat(&facts, STATFLAG_DEFAULT), S_OK);
+    const com::TaskText name(facts.pwcsName);
+    EXPECT_STREQ(name.get(), L"Large.avi");
+    EXPECT_EQ(facts.type, static_cast<DWORD>(STGTY_STREAM));
+    com::ComPtr<IStorage> inner;
+    ASSERT_EQ(storage->OpenStorage(L"FOLDER", nullptr, 0, nullptr, 0, inner.Put()), S_OK);
+    ASSERT_EQ(inner->Stat(&facts, STATFLAG_DEFAULT), S_OK);
+    const com::TaskText innerName(facts.pwcsName);
+    EXPECT_STREQ(innerName.get(), L"folder");
+    EXPECT_EQ(facts.type, static_cast<DWORD>(STGTY_STORAGE));
+    ASSERT_EQ(inner->Stat(&facts, STATFLAG_NONAME), S_OK);
+    EXPECT_EQ(facts.pwcsName, nullptr);
+}
+
+TEST_F(Storage, NothingIsWritten) {
+    const auto storage = Open(path);
+    com::ComPtr<IStream> stream;
+    com::ComPtr<IStorage> inner;
+    EXPECT_EQ(storage->CreateStream(L"New", 0, 0, 0, stream.Put()), STG_E_ACCESSDENIED);
+    EXPECT_EQ(storage->CreateStorage(L"New", 0, 0, 0, inner.Put()), STG_E_ACCESSDENIED);
+    EXPECT_EQ(storage->DestroyElement(L"Small.wav"), STG_E_ACCESSDENIED);
+    EXPECT_EQ(storage->RenameElement(L"Small.wav", L"New"), STG_E_ACCESSDENIED);
+    EXPECT_EQ(OpenStream(*storage, L"Small.wav")->Write("x", 1, nullptr), STG_E_ACCESSDENIED);
 }
 
 TEST_F(Storage, InnerStoragesOpen) {
@@ -291,5 +343,22 @@ TEST(StorageNames, ADirectoryInARowOfEntriesOpens) {
     WriteCompoundFile(folder / "too-many", members);
     EXPECT_EQ(ResultOfOpening(folder / "too-many"), STG_E_INVALIDHEADER);
 }
+
+#if defined(__x86_64__)
+
+TEST(OperationOrder, Storages) {
+    EXPECT_EQ(SlotOf(&IStorage::CreateStream), 3);
+    EXPECT_EQ(SlotOf(&IStorage::OpenStream), 4);
+    EXPECT_EQ(SlotOf(&IStorage::CreateStorage), 5);
+    EXPECT_EQ(SlotOf(&IStorage::OpenStorage), 6);
+    EXPECT_EQ(SlotOf(&IStorage::EnumElements), 11);
+    EXPECT_EQ(SlotOf(&IStorage::Stat), 17);
+    EXPECT_EQ(SlotOf(&IEnumSTATSTG::Next), 3);
+    EXPECT_EQ(SlotOf(&IEnumSTATSTG::Skip), 4);
+    EXPECT_EQ(SlotOf(&IEnumSTATSTG::Reset), 5);
+    EXPECT_EQ(SlotOf(&IEnumSTATSTG::Clone), 6);
+}
+
+#endif
 
 } // namespace

@@ -179,6 +179,52 @@ TEST(Vfw, AnInstalledCodecComesFirst) {
     EXPECT_NE(ICGetInfo(stock.handle, &info, sizeof info), 0);
 }
 
+// A codec that answers as it is told to and writes down each message and the number it is called
+// by.
+struct Driver {
+    static inline std::string calls;
+    static inline LRESULT loadAnswer = 1;
+    static inline LRESULT openAnswer = 1;
+
+    static LRESULT Answer(DWORD_PTR id, HDRVR, UINT message, LPARAM, LPARAM second) {
+        calls += std::to_string(message) + ':' + std::to_string(id) + ' ';
+        if (message == DRV_OPEN) {
+            const auto& request = *reinterpret_cast<const ICOPEN*>(second);
+            EXPECT_EQ(request.dwSize, sizeof(ICOPEN));
+            EXPECT_EQ(request.fccType, ICTYPE_VIDEO);
+            EXPECT_EQ(request.fccHandler, Code("drvr"));
+            EXPECT_EQ(request.dwFlags, ICMODE_DECOMPRESS);
+            return openAnswer;
+        }
+        return message == DRV_LOAD ? loadAnswer : 0;
+    }
+};
+
+TEST(Vfw, ADriverIsLoadedOpenedClosedAndFreed) {
+    ASSERT_EQ(ICInstall(ICTYPE_VIDEO, Code("drvr"), reinterpret_cast<LPARAM>(&Driver::Answer),
+                        "a driver", ICINSTALL_FUNCTION),
+              TRUE);
+    Driver::openAnswer = 77;
+    {
+        const Codec codec(Code("drvr"));
+        EXPECT_EQ(Driver::calls, "1:0 2:0 3:0 "); // load, enable, open
+        Driver::calls.clear();
+        ICSendMessage(codec.handle, ICM_DECOMPRESS_END, 0, 0);
+        EXPECT_EQ(Driver::calls, "16398:77 ");
+        Driver::calls.clear();
+    }
+    EXPECT_EQ(Driver::calls, "4:77 5:0 6:0 "); // close, disable, free
+    Driver::calls.clear();
+    Driver::openAnswer = 0;
+    EXPECT_EQ(Codec(Code("drvr")).handle, nullptr);
+    EXPECT_EQ(Driver::calls, "1:0 2:0 3:0 5:0 6:0 ");
+    Driver::calls.clear();
+    Driver::loadAnswer = 0;
+    EXPECT_EQ(Codec(Code("drvr")).handle, nullptr);
+    EXPECT_EQ(Driver::calls, "1:0 ");
+    EXPECT_EQ(ICRemove(ICTYPE_VIDEO, Code("drvr"), 0), TRUE);
+}
+
 TEST(Vfw, OnlyFunctionsAreInstalled) {
     EXPECT_EQ(ICInstall(ICTYPE_VIDEO, Code("abcd"), 0, nullptr, ICINSTALL_FUNCTION), FALSE);
     EXPECT_EQ(ICInstall(Code("audc"), Code("abcd"), 1, nullptr, ICINSTALL_FUNCTION), FALSE);

@@ -79,6 +79,57 @@ TEST(AviOldIndex, SizesAreNotCutToTheirSign) {
     EXPECT_EQ(index.GetTotalBytes(), 0x80000011U);
 }
 
+TEST(AviOldIndex, SumsGoBeyond32Bits) {
+    TypeOneIndex index(0);
+    const std::string entry = OldEntry(0, 0, 0xFFFFFFFF);
+    LoadInto(index, entry + entry + entry);
+    EXPECT_EQ(index.GetTotalBytes(), 3 * 0xFFFFFFFFULL);
+    EXPECT_EQ(index.GetByteOffsetOfFrame(2), 2 * 0xFFFFFFFFULL);
+    EXPECT_EQ(index.GetFrameAtByteOffset(2 * 0xFFFFFFFFULL), 2);
+    EXPECT_EQ(index.GetFrameAtByteOffset(2 * 0xFFFFFFFFULL - 1), 1);
+}
+
+// Says that it is long, and holds nothing: a file of holes.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): final, and ended as what it is
+class HollowStream final : public AVI20::Read::IStream {
+public:
+    explicit HollowStream(std::uint64_t size)
+        : m_size(size) {}
+
+    // AVI20::Read::IStream
+    bool IsNull() const override { return false; }
+
+    bool Read(void*, std::uint32_t) override {
+        ++reads;
+        return false;
+    }
+
+    std::uint64_t Position() const override { return 0; }
+
+    bool Seek(std::uint64_t position) override { return position == 0; }
+
+    bool SeekToEnd() override { return false; }
+
+    std::uint64_t Size() override { return m_size; }
+
+    bool IsOpen() const override { return true; }
+
+    bool Rewind() override { return true; }
+
+    int reads = 0;
+
+private:
+    std::uint64_t m_size;
+};
+
+TEST(AviOldIndex, MoreThan33MillionFramesThrowBeforeAnyIsRead) {
+    constexpr std::uint64_t most = std::uint64_t{1} << 25;
+    HollowStream stream(16 * (most + 1));
+    TypeOneIndex index(0);
+    EXPECT_THROW(index.Load(stream, stream.Size()), std::exception);
+    EXPECT_EQ(stream.reads, 0);
+}
+
 TEST(AviOldIndex, AnEntryMayReachOverTheEndOfItsChunk) {
     MemoryStream stream(OldEntry(0x10, 1, 2) + OldEntry(0, 3, 4));
     TypeOneIndex index(0);
@@ -120,6 +171,20 @@ TEST(AviOpenDmlIndex, EntriesCountFromTheirBase) {
     EXPECT_EQ(index.GetFrameAtByteOffset(32), 3);
     EXPECT_EQ(index.GetFrameAtByteOffset(31), 1);
     EXPECT_EQ(index.GetFrameAtByteOffset(1'000), 3);
+}
+
+// Of a standard index only the count, the base and the entries matter.
+TEST(AviOpenDmlIndex, StandardIndexesAreTakenOnTrust) {
+    const std::string standard =
+        ChunkOfSize("abcd", 3,
+                    Number16(9) + std::string("\7\5", 2) + Number32(1) + "wxyz" + Number64(100) +
+                        Number32(77) + StandardEntry(8, 5));
+    MemoryStream stream(SuperIndex(1, SuperEntry(40)) + standard);
+    TypeTwoIndex index;
+    index.Load(stream, 40);
+    ASSERT_EQ(index.GetFrameCount(), 1U);
+    EXPECT_EQ(index.GetFrameOffset(0), 108U);
+    EXPECT_EQ(index.GetFrameSize(0), 5U);
 }
 
 TEST(AviOpenDmlIndex, WhatIsNoSuperIndexThrows) {
@@ -213,6 +278,30 @@ TEST(AviIndex, ALongIndexIsReadOnceInLargePieces) {
     EXPECT_LT(stream.reads, 300U);
 }
 
+TEST(AviIndex, LongStandardIndexesAreReadOnceInLargePieces) {
+    constexpr std::uint64_t indexes = 100;
+    constexpr std::uint32_t framesOfEach = 10'000;
+    std::string entries;
+    for (std::uint32_t i = 0; i < framesOfEach; ++i) {
+        entries += StandardEntry(i, i % 1'000 == 0 ? 100 : 100 | 0x80000000U);
+    }
+    std::string super;
+    std::string standard;
+    for (std::uint64_t i = 0; i < indexes; ++i) {
+        super += SuperEntry(24 + 16 * indexes + standard.size());
+        standard += StandardIndex(1'000'000 * i, framesOfEach, entries);
+    }
+    MemoryStream stream(SuperIndex(indexes, super) + standard);
+    TypeTwoIndex index;
+    index.Load(stream, 24 + 16 * indexes);
+    EXPECT_EQ(index.GetFrameCount(), 1'000'000U);
+    EXPECT_EQ(index.GetFrameOffset(987'654), 98'000'000U + 7'654);
+    EXPECT_EQ(index.FindKeyFrame(987'654), 987'000U);
+    EXPECT_EQ(index.GetTotalBytes(), 100'000'000U);
+    EXPECT_EQ(stream.bytesRead, 24 + indexes * (16 + 24 + 8ULL * framesOfEach));
+    EXPECT_LT(stream.reads, 500U);
+}
+
 // Frames "0", "11", "222", ... behind each other, and an index on them.
 class AviFrames : public testing::Test {
 protected:
@@ -284,6 +373,16 @@ TEST(AviFrameBytes, EntriesBehindTheFileCannotBeRead) {
     std::string bytes(64, '?');
     EXPECT_FALSE(frames.ReadFrame(0, bytes.data()));
     EXPECT_FALSE(frames.HoldsFrame(0));
+    EXPECT_FALSE(frames.HoldsFrame(1));
+}
+
+TEST(AviFrameBytes, OfNoBytesAllAreThereWhereverTheyLie) {
+    MemoryStream stream(Chunk("idx1", OldEntry(0, 1'000, 0)));
+    const FrameIndex frames(&stream, ChunkHeader{FourCc("idx1"), 16, false, 0}, 0);
+    char untouched = '?';
+    EXPECT_TRUE(frames.ReadFrame(0, &untouched));
+    EXPECT_EQ(untouched, '?');
+    EXPECT_TRUE(frames.HoldsFrame(0));
     EXPECT_FALSE(frames.HoldsFrame(1));
 }
 

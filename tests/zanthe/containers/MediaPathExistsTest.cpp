@@ -49,6 +49,18 @@ TEST_F(MediaPath, MembersAreLookedForWhateverTheirCase) {
     EXPECT_FALSE(Exists("Mixed.orirec!Camera_Stream.wmv"));
 }
 
+TEST_F(MediaPath, TheMarkIsKnownWhateverItsCase) {
+    WriteCompoundFile(folder / "Loud.ORIREC", {{"Audio.wav", "y"}});
+    EXPECT_TRUE(Exists("Loud.ORIREC!AUDIO.WAV"));
+    EXPECT_FALSE(Exists("Loud.ORIREC!none.wav"));
+}
+
+TEST_F(MediaPath, TheFirstMarkCounts) {
+    WriteCompoundFile(folder / "two.orirec", {{"b.orirec!c", "y"}});
+    EXPECT_TRUE(Exists("two.orirec!b.orirec!c"));
+    EXPECT_FALSE(Exists("two.orirec!b.orirec!d"));
+}
+
 TEST_F(MediaPath, AMemberNeedsAFolderWithABackslash) {
     EXPECT_FALSE(Exists("Mixed.orirec!Audio.wav", L'/'));
     EXPECT_FALSE(MediaPathExists(L"Mixed.orirec!Audio.wav"));
@@ -86,5 +98,25 @@ TEST_F(MediaPath, AStorageTellsItsMembers) {
     EXPECT_FALSE(storage.OpenStream(L"Audio.wav", stream.Put()));
     EXPECT_FALSE(storage.Open(win32::Utf8ToWide(folder / "plain.mp4")));
 }
+
+// The one opened last is asked; all of them are closed.
+TEST_F(MediaPath, StoragesAreOpenedOnTopOfEachOther) {
+    WriteCompoundFile(folder / "top.orirec", {{"Top.wav", "t"}});
+    Sorbutl::StructuredStorage storage;
+    ASSERT_TRUE(storage.Open(win32::Utf8ToWide(folder / "Mixed.orirec")));
+    ASSERT_TRUE(storage.Open(win32::Utf8ToWide(folder / "top.orirec")));
+    std::vector<std::wstring> names;
+    EXPECT_TRUE(storage.EnumElementNames(names));
+    EXPECT_EQ(names, std::vector<std::wstring>{L"Top.wav"});
+    com::ComPtr<IStream> stream;
+    EXPECT_FALSE(storage.OpenStream(L"Audio.wav", stream.Put()));
+    EXPECT_TRUE(storage.OpenStream(L"Top.wav", stream.Put()));
+    storage.Close();
+    EXPECT_FALSE(storage.EnumElementNames(names));
+    EXPECT_EQ(names.size(), 1U);
+}
+
+// For transactions, without a copy of what is there.
+static_assert((STGM_TRANSACTED | STGM_NOSNAPSHOT) == 0x210000);
 
 } // namespace

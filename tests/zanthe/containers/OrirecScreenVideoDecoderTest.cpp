@@ -6,9 +6,11 @@
 #include <stdexcept>
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include "tests/support/AviFile.h"
 #include "tests/support/CompoundFile.h"
+#include "tests/support/MemoryStream.h"
 #include "tests/support/ScriptedCodec.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -114,7 +116,7 @@ TEST_F(Recording, FailuresToOpenAreTold) {
     EXPECT_EQ(FailureOf(path), "OrirecScreenVideoDecoder - VFW codec initialization failed!");
 }
 
-TEST_F(Recording, WhatIsNoAviHasNoCodec) {
+TEST_F(Recording, WhatIsNoAviShowsNothing) {
     WriteCompoundFile(path, {{"Screen_Stream.avi", std::string(5'000, 'x')}});
     // Without a stream the code is 0, which is that of uncompressed pictures; of these there is
     // none.
@@ -150,6 +152,26 @@ TEST_F(Recording, TheCodecIsAskedStartedAndEnded) {
                                                      "begin", "end", "close"}));
 }
 
+TEST_F(Recording, WhatTheCodecSaysToItsStartPlaysNoPart) {
+    codec.beginAnswer = ICERR_ERROR;
+    WriteFrames(Frames(3, 1));
+    Open();
+    EXPECT_EQ(codec.begun, "24 4x2 (0) -> 32 4x2 (32)");
+    EXPECT_EQ(ReadNumber(1), 1);
+}
+
+TEST_F(Recording, TheFirstStreamOfPicturesIsShown) {
+    const std::vector<Avi::Frame> sound(50, {"99+", true});
+    WriteCompoundFile(
+        path, {{"Screen_Stream.avi",
+                Avi::SoundAndVideo(sound, {TestCode, TestCode, 4, 2, 24}, Frames(30, 10))}});
+    Open();
+    EXPECT_EQ(decoder->outputWidth(), 4);
+    EXPECT_EQ(ReadNumber(13), 13);
+    EXPECT_EQ(Decoded(), "*10 11 12 13 ");
+    EXPECT_EQ(ReadNumber(29), 29);
+}
+
 TEST_F(Recording, TimesOutsideTheStreamAreRefused) {
     WriteFrames(Frames(5, 1));
     Open();
@@ -169,6 +191,29 @@ TEST_F(Recording, ATimeWithoutAFrameIsRefused) {
     Open();
     EXPECT_EQ(ReadNumber(2), 2);
     EXPECT_EQ(ReadNumber(3), -1);
+}
+
+// The header's length counts, whatever the index holds.
+TEST_F(Recording, BehindTheHeadersLengthThereIsNone) {
+    std::string avi = Avi::OneVideo({TestCode, TestCode, 4, 2}, Frames(9, 1), Avi::IndexKind::Old);
+    avi[avi.find("strh") + 8 + 32] = 4;
+    WriteCompoundFile(path, {{"Screen_Stream.avi", avi}});
+    Open();
+    EXPECT_EQ(ReadNumber(3), 3);
+    EXPECT_EQ(Read(MediaTime(4, 10)), -1);
+    EXPECT_EQ(ReadNumber(5), -1);
+}
+
+// Five pictures in two seconds.
+TEST_F(Recording, ARateIsNoWholeNumber) {
+    Write({TestCode, TestCode, 4, 2, 24, 5, 2}, Frames(10, 1));
+    Open();
+    EXPECT_EQ(Read(MediaTime(39, 100)), 0);
+    EXPECT_EQ(Read(MediaTime(41, 100)), 1);
+    EXPECT_EQ(Read(MediaTime(199, 100)), 4);
+    EXPECT_EQ(Read(MediaTime(2)), 5);
+    EXPECT_EQ(Read(MediaTime(399, 100)), 9);
+    EXPECT_EQ(Read(MediaTime(4)), -1);
 }
 
 TEST_F(Recording, TheSameFrameIsDecodedOnce) {
@@ -267,6 +312,25 @@ TEST_F(Recording, AFrameThatFailsLeavesTheRest) {
     EXPECT_EQ(Decoded(), "3 3 4 ");
 }
 
+TEST_F(Recording, ACodecThatFaultsHasFailed) {
+    void* const forbidden = mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(forbidden, MAP_FAILED);
+    WriteFrames(Frames(5, 1));
+    codec.onDecompress = [&](const ICDECOMPRESS& picture) -> LRESULT {
+        if (std::atoi(static_cast<const char*>(picture.lpInput)) == 1) {
+            *static_cast<volatile char*>(forbidden) = 1;
+        }
+        return Paint(picture);
+    };
+    Open();
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(ReadNumber(1), -1);
+        EXPECT_EQ(ReadNumber(0), 0);
+    }
+    EXPECT_EQ(ReadNumber(2), 2);
+    munmap(forbidden, 4096);
+}
+
 TEST_F(Recording, AFrameThatCannotBeReadFails) {
     auto frames = Frames(3, 1);
     std::string avi = Avi::OneVideo({TestCode, TestCode, 4, 2}, frames, Avi::IndexKind::Old);
@@ -319,10 +383,62 @@ TEST_F(Recording, ACodecWithout32BitsGives24) {
                                                   5,   255, 6,  7,   8,   255, 9,  10,  11,  255}));
 }
 
+// Only the screen codec's rows are whole groups of four pixels. Others pad theirs, which is not
+// taken into account.
+TEST_F(Recording, RowsOf24BitsAreReadBackToBack) {
+    codec.onQuery = [](const auto&, const auto&) { return ICERR_BADFORMAT; };
+    codec.onDecompress = [](const ICDECOMPRESS& picture) -> LRESULT {
+        auto* to = static_cast<unsigned char*>(picture.lpOutput);
+        for (unsigned char i = 0; i < 32; ++i) {
+            to[i] = i;
+        }
+        return ICERR_OK;
+    };
+    Write({TestCode, TestCode, 5, 2, 24}, Frames(3, 1));
+    Open();
+    EXPECT_EQ(codec.begun, "24 5x2 (0) -> 24 5x2 (30)");
+    ReadNumber(0);
+    EXPECT_EQ(buffer[0], 15);
+    EXPECT_EQ(buffer[20], 0);
+}
+
+std::uint32_t FrameCountOf(const std::string& avi) {
+    MemoryStream stream(avi);
+    AVI20::Read::Reader reader(&stream);
+    return reader.GetMediaStreamReader(0).GetFrameCount();
+}
+
+// At each byte, with either index: a frame comes whole and right, or not at all. The last one's
+// entry may be cut itself; it keeps the rest of the one before, and may show anything.
+TEST_F(Recording, AStreamThatIsCutAnywhereGivesRightFramesOrNone) {
+    for (const Avi::IndexKind kind : {Avi::IndexKind::Old, Avi::IndexKind::OpenDml}) {
+        const std::string whole =
+            Avi::OneVideo({TestCode, TestCode, 4, 2, 24}, Frames(10, 4), kind);
+        int shown = 0;
+        for (std::size_t size = 0; size < whole.size(); ++size) {
+            const std::string cut = whole.substr(0, size);
+            WriteCompoundFile(path, {{"Screen_Stream.avi", cut}});
+            try {
+                Open();
+                const std::uint32_t last = FrameCountOf(cut) - 1;
+                for (const std::uint32_t frame : {0U, 9U, 3U, 5U}) {
+                    const int painted = ReadNumber(static_cast<int>(frame));
+                    const bool right = painted == static_cast<int>(frame);
+                    ASSERT_TRUE(painted == -1 || right || frame == last) << size << ' ' << frame;
+                    shown += right ? 1 : 0;
+                }
+            } catch (const std::exception&) {
+                // No index: the way in which such a recording fails to open.
+            }
+        }
+        EXPECT_GT(shown, 100);
+    }
+}
+
 // Recordings in the screen codec, which asks for formats of its own.
 class ScreenRecording : public Recording {
 protected:
-    ~ScreenRecording() override { decoder.reset(); } // before its codec
+    void TearDown() override { decoder.reset(); } // before its codec
 
     ScriptedCodec screen{ScreenCode};
 
@@ -384,6 +500,58 @@ TEST_F(ScreenRecording, PixelsOf16BitsAreExpanded) {
               (std::vector<unsigned char>{4 << 3, 0, 31 << 3, 255, 5 << 3, 0, 31 << 3, 255}));
     EXPECT_EQ(buffer[16], 0);
     EXPECT_EQ(buffer[20], 1 << 3);
+}
+
+TEST_F(ScreenRecording, EachOfTheThreeChannelsHasFiveBits) {
+    screen.onDecompress = [](const ICDECOMPRESS& picture) -> LRESULT {
+        const std::uint16_t pixels[] = {0x8000, 0x7FFF, 0x001F, 0x03E0,
+                                        0x7C00, 0x0001, 0x0020, 0x0400};
+        std::memcpy(picture.lpOutput, pixels, sizeof pixels);
+        return ICERR_OK;
+    };
+    OpenScreen(4, 16);
+    ReadNumber(0);
+    // The lower row of the picture: nothing but the highest bit, all others, blue, green.
+    EXPECT_EQ(std::vector<unsigned char>(buffer.begin() + 16, buffer.end()),
+              (std::vector<unsigned char>{0, 0, 0, 255, 248, 248, 248, 255, 248, 0, 0, 255, 0, 248,
+                                          0, 255}));
+    // The upper one: red, and the lowest bit of each.
+    EXPECT_EQ(
+        std::vector<unsigned char>(buffer.begin(), buffer.begin() + 16),
+        (std::vector<unsigned char>{0, 0, 248, 255, 8, 0, 0, 255, 0, 8, 0, 255, 0, 0, 8, 255}));
+}
+
+TEST_F(ScreenRecording, ACodecThatRefusesItsFormatsIsGiven24Bits) {
+    screen.onQuery = [](const auto&, const auto&) { return ICERR_BADFORMAT; };
+    OpenScreen(5, 16);
+    EXPECT_EQ(screen.calls.at(1), "query 16 8x2 (0) -> 16 8x2 (40)");
+    EXPECT_EQ(screen.calls.at(2), "begin"); // it is not asked again
+    EXPECT_EQ(screen.begun, "16 8x2 (0) -> 24 8x2 (48)");
+    decoder.reset();
+    OpenScreen(5, 24); // it has them already
+    EXPECT_EQ(screen.begun, "24 8x2 (0) -> 24 8x2 (40)");
+}
+
+TEST_F(ScreenRecording, PicturesComeInTheFormatsThatItWasBegunWith) {
+    OpenScreen(5, 24);
+    screen.onDecompress = [](const ICDECOMPRESS& picture) -> LRESULT {
+        EXPECT_EQ(picture.lpbiInput->biWidth, 8);
+        EXPECT_EQ(picture.lpbiInput->biHeight, 2);
+        EXPECT_EQ(picture.lpbiInput->biPlanes, 1);
+        EXPECT_EQ(picture.lpbiInput->biBitCount, 24);
+        EXPECT_EQ(picture.lpbiInput->biCompression, ScreenCode);
+        EXPECT_EQ(picture.lpbiInput->biSizeImage, 2U); // of this frame
+        EXPECT_EQ(picture.lpbiOutput->biSize, 40U);
+        EXPECT_EQ(picture.lpbiOutput->biWidth, 8);
+        EXPECT_EQ(picture.lpbiOutput->biHeight, 2);
+        EXPECT_EQ(picture.lpbiOutput->biPlanes, 1);
+        EXPECT_EQ(picture.lpbiOutput->biBitCount, 24);
+        EXPECT_EQ(picture.lpbiOutput->biCompression, 0U);
+        EXPECT_EQ(picture.lpbiOutput->biSizeImage, 40U);
+        EXPECT_EQ(picture.lpbiOutput->biClrUsed, 0U);
+        return ICERR_OK;
+    };
+    EXPECT_NE(ReadNumber(1), -1);
 }
 
 TEST_F(ScreenRecording, PixelsOf16BitsAreReadBackToBack) {

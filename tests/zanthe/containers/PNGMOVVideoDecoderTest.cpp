@@ -146,6 +146,18 @@ TEST(PngMov, APictureLastsUntilTheNext) {
     }
 }
 
+// A second has 10240 units: the second picture begins at unit 1024.
+TEST(PngMov, PartsOfAUnitAreCutOff) {
+    const auto decoder = Open("rgba.mov");
+    ASSERT_NE(decoder, nullptr);
+    const auto at = [&](int tenthsOfUnits) {
+        return PictureAt(*decoder, MediaTime(tenthsOfUnits, 102'400)).value().bits;
+    };
+    EXPECT_EQ(at(10'239), at(0));
+    EXPECT_NE(at(10'240), at(0));
+    EXPECT_EQ(at(10'249), at(10'240));
+}
+
 TEST(PngMov, TheTimeIsLeftAlone) {
     const auto decoder = Open("rgba.mov");
     std::vector<unsigned char> buffer(61 * 45 * 4);

@@ -90,17 +90,10 @@ TEST(RecordedRuns, PicturesBuildOnTheOnesBefore) {
         } else {
             const char shade = static_cast<char>(0x20 + i);
             row[static_cast<std::size_t>(i) % 4] = shade;
-            std::string bytes = i == 0 ? "\4" + std::string(3, '\x20') + std::string("\0\0", 2) +
-                                             "\4" + std::string(3, '\x20') + std::string("\0\0", 2)
-                                       : "";
-            if (i == 0) {
-                bytes.resize(0);
-                bytes = "\4" + std::string(3, '\x20') + std::string("\0\0", 2) + "\4" +
-                        std::string(3, '\x20');
-            } else {
-                bytes = std::string("\0\2", 2) + static_cast<char>(i % 4) + '\1' + '\1' +
-                        std::string(3, shade);
-            }
+            const std::string whole = "\4" + std::string(3, '\x20');
+            const std::string bytes = i == 0 ? whole + std::string("\0\0", 2) + whole
+                                             : std::string("\0\2", 2) + static_cast<char>(i % 4) +
+                                                   '\1' + '\1' + std::string(3, shade);
             frames.push_back({bytes + std::string("\0\1", 2), i == 0});
         }
         expected += row;

@@ -147,9 +147,8 @@ std::string DifferenceOf(const Expected& expected, const fs::path& gif, const fs
 // Test of the suite, and how we differ.
 const std::map<std::string, std::string>& OnPurpose() {
     static const std::map<std::string, std::string> differences = {
-        // Every image of a file is a frame and lasts a tenth of a second when it names no time:
-        // none
-        // is put together with the next one.
+        // Every image of a file is a frame and lasts a tenth of a second when it names no time: it
+        // is not put together with the next one.
         {"animation-multi-image", "7 frames, not 4"},
         {"animation-multi-image-explicit-zero-delay", "7 frames, not 4"},
         {"dispose-restore-previous", "5 frames, not 4"},

@@ -92,8 +92,37 @@ TEST_F(PdfLoader, WhatCannotBeDrawnFails) {
     EXPECT_EQ(FailureOf([&] { loader.Load(0, 40000, 1); }),
               "PdfImageLoader: Couldn't load a bitmap");
     EXPECT_EQ(loader.GetWidth(), 40000);
+    // It stands, and so is not drawn again.
+    const auto undefined = loader.GetBitmap();
+    loader.Load(0, 40000, 1);
+    EXPECT_EQ(loader.GetBitmap(), undefined);
     loader.Load(0, 20, 10);
     EXPECT_EQ(loader.GetWidth(), 20);
+}
+
+TEST_F(PdfLoader, ADocumentWithoutAPageOpensAndShowsNothing) {
+    PdfImageLoader loader(Write(PdfOfNoPage()), 0);
+    EXPECT_EQ(FailureOf([&] { loader.Load(0, 20, 10); }), "PdfImageLoader: Couldn't load a bitmap");
+    EXPECT_EQ(loader.GetWidth(), 20);
+}
+
+// What the page shows is stretched to the size, and turned as the page says.
+TEST_F(PdfLoader, ThePageIsCutAndTurnedAsItSays) {
+    const auto corner = [&](const std::string& pageEntries) {
+        PdfImageLoader loader(Write(PdfOfOnePage(Artwork, pageEntries)), 0);
+        loader.Load(0, 20, 20);
+        const BgraPicture picture = PictureOf(*loader.GetBitmap());
+        return PixelText(picture, 1, 1) + " " + PixelText(picture, 18, 1) + " " +
+               PixelText(picture, 1, 18) + " " + PixelText(picture, 18, 18);
+    };
+    const std::string red = "0000FFFF";
+    const std::string green = "00800080";
+    const std::string none = "00000000";
+    EXPECT_EQ(corner(""), red + " " + none + " " + red + " " + green);
+    EXPECT_EQ(corner("/Rotate 90"), red + " " + red + " " + green + " " + none);
+    EXPECT_EQ(corner("/Rotate 180"), green + " " + red + " " + none + " " + red);
+    EXPECT_EQ(corner("/CropBox [100 0 200 100]"), none + " " + none + " " + green + " " + green);
+    EXPECT_EQ(corner("/CropBox [100 0 200 50]"), green + " " + green + " " + green + " " + green);
 }
 
 TEST_F(PdfLoader, WhatIsNoDocumentIsRefused) {
@@ -106,6 +135,12 @@ TEST_F(PdfLoader, WhatIsNoDocumentIsRefused) {
     EXPECT_EQ(open(Write("")), text);
     EXPECT_EQ(open(Write("no document at all")), text);
     EXPECT_EQ(open(Write(std::string("%PDF-1.4\n\0\1\2", 12))), text);
+    const std::string key(64, '1');
+    EXPECT_EQ(open(Write(PdfOfOnePage(Artwork, "",
+                                      "/ID [<31> <31>] /Encrypt << /Filter /Standard /V 1 /R 2 "
+                                      "/P -4 /O <" +
+                                          key + "> /U <" + key + "> >>"))),
+              text); // it asks for a password
 }
 
 // None of them may crash or leave what is no premultiplied pixel.

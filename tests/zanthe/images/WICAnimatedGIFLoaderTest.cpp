@@ -234,6 +234,22 @@ TEST_F(GifLoader, AFrameThatGoesBackToTheStart) {
     EXPECT_EQ(At(3), "rry");
 }
 
+// The composite shows the first frame then, whatever becomes of the next.
+TEST_F(GifLoader, BackAtTheStartAFailureLeavesTheFirstFrame) {
+    Open(GifBytes(3, 1)
+             .Control(10, 1)
+             .Frame(0, 0, 3, 1, 1)
+             .Control(10, 1)
+             .Frame(0, 0, 1, 1, 2)
+             .Control(10, 5)
+             .Frame(1, 0, 1, 1, 3)
+             .Control(10, 1)
+             .Frame(0, 0, 0, 1, 1));
+    EXPECT_EQ(At(2), "gbr");
+    EXPECT_EQ(IntoBuffer(0.35), CompositingFailed);
+    EXPECT_EQ(At(2), "gbr"); // drawn again, from the first frame on
+}
+
 TEST_F(GifLoader, AFirstFrameThatGoesBackToItselfFails) {
     Open(GifBytes(2, 1).Control(10, 5).Frame(0, 0, 2, 1, 1).Control(10, 1).Frame(0, 0, 1, 1, 2));
     EXPECT_EQ(IntoBuffer(0), CompositingFailed);
@@ -267,6 +283,24 @@ TEST_F(GifLoader, InterlacedRowsComeInOrder) {
     }
     Open(GifBytes(1, 10).Control(10, 1).Frame(0, 0, 1, 10, pixels, true));
     EXPECT_EQ(At(0), "k/r/g/b/y/k/r/g/b/y");
+}
+
+TEST_F(GifLoader, FewInterlacedRowsComeInOrderToo) {
+    const std::vector<std::string> expected = {"k", "k/r", "k/r/g", "k/r/g/b", "k/r/g/b/y"};
+    const std::vector<std::vector<int>> stored = {
+        {0}, {0, 1}, {0, 2, 1}, {0, 2, 1, 3}, {0, 4, 2, 1, 3}};
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        const int height = static_cast<int>(i) + 1;
+        Open(GifBytes(1, height).Control(10, 1).Frame(0, 0, 1, height, stored[i], true));
+        EXPECT_EQ(At(0), expected[i]);
+    }
+}
+
+TEST_F(GifLoader, WithoutAnyPaletteTheColoursAreShadesOfGray) {
+    Open(GifBytes(2, 1, false).Control(10, 1).Frame(0, 0, 2, 1, {0, 100}));
+    const BgraPicture picture = PictureOf(*m_loader->GetFrameAtTime(0));
+    EXPECT_EQ(PixelText(picture, 0, 0), "000000FF");
+    EXPECT_EQ(PixelText(picture, 1, 0), "646464FF");
 }
 
 TEST_F(GifLoader, AFrameHasColoursOfItsOwn) {
@@ -350,6 +384,23 @@ TEST_F(GifLoader, TheBackgroundColour) {
     EXPECT_EQ(m_loader->GetGdiplusBackgroundColor().GetValue(), 0x00FFFF00U);
     Open(GifBytes(1, 1, false).Frame(0, 0, 1, 1, 1));
     EXPECT_EQ(m_loader->GetGdiplusBackgroundColor().GetValue(), 0U);
+}
+
+// It goes through shares of one, and comes back as it was.
+TEST_F(GifLoader, EveryShadeOfTheBackgroundColour) {
+    for (int shade = 0; shade < 256; ++shade) {
+        std::string bytes = GifBytes(1, 1, true, 4).Frame(0, 0, 1, 1, 1).Bytes();
+        constexpr std::size_t colour = 13 + 4 * 3;
+        bytes[colour] = static_cast<char>(shade);
+        bytes[colour + 1] = static_cast<char>(255 - shade);
+        bytes[colour + 2] = static_cast<char>(shade ^ 0x55);
+        WICAnimatedGIFLoader loader(win32::Utf8ToWide(m_folder.Write("b.gif", bytes)));
+        const Gdiplus::Color background = loader.GetGdiplusBackgroundColor();
+        ASSERT_EQ(background.GetAlpha(), 0);
+        ASSERT_EQ(background.GetRed(), shade);
+        ASSERT_EQ(background.GetGreen(), 255 - shade);
+        ASSERT_EQ(background.GetBlue(), shade ^ 0x55);
+    }
 }
 
 TEST_F(GifLoader, WhatIsNoGifHasNoDecoder) {

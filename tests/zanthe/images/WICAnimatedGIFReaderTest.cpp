@@ -149,6 +149,67 @@ TEST_F(GifReader, HowOftenToPlay) {
     EXPECT_EQ(loops("NETSCAPE", "\1\5\0"sv), 0U);
 }
 
+TEST_F(GifReader, TheFirstApplicationBlockIsTheOneThatCounts) {
+    using namespace std::string_view_literals;
+    const auto reader = Read(GifBytes(1, 1)
+                                 .Application("XMP DataXMP", "\1\9\0"sv)
+                                 .Application("NETSCAPE2.0", "\1\5\0"sv)
+                                 .Frame(0, 0, 1, 1, 1)
+                                 .Bytes());
+    EXPECT_EQ(reader->LoopCount(), 0U);
+    const auto other = Read(GifBytes(1, 1)
+                                .Application("NETSCAPE2.0", "\1\5\0"sv)
+                                .Application("ANIMEXTS1.0", "\1\7\0"sv)
+                                .Frame(0, 0, 1, 1, 1)
+                                .Bytes());
+    EXPECT_EQ(other->LoopCount(), 5U);
+}
+
+TEST_F(GifReader, OfTwoControlsTheSecondCounts) {
+    const auto reader =
+        Read(GifBytes(1, 1).Control(20, 3).Control(30, 2).Frame(0, 0, 1, 1, 1).Bytes());
+    EXPECT_EQ(reader->Frames().at(0)->delay, 300U);
+    EXPECT_EQ(reader->Frames().at(0)->disposal, 2U);
+}
+
+TEST_F(GifReader, AControlThatIsTooShortIsNone) {
+    const auto reader = Read(
+        GifBytes(1, 1).Raw(std::string("!\xF9\3\x08\x20\0\0", 7)).Frame(0, 0, 1, 1, 1).Bytes());
+    ASSERT_EQ(reader->Frames().size(), 1U);
+    EXPECT_EQ(reader->Frames()[0]->delay, 100U);
+    EXPECT_EQ(reader->Frames()[0]->disposal, 0U);
+}
+
+// A text is shown as little as a comment; the control before it is its own.
+TEST_F(GifReader, ATextTakesTheControlBeforeIt) {
+    const std::string text = std::string("!\1\x0C") + std::string(12, '\1') + "\2hi" + '\0';
+    const auto reader = Read(GifBytes(1, 1)
+                                 .Control(20, 2)
+                                 .Raw(text)
+                                 .Frame(0, 0, 1, 1, 1)
+                                 .Control(30, 1)
+                                 .Raw(std::string("!\xFE\2hi\0", 6))
+                                 .Frame(0, 0, 1, 1, 1)
+                                 .Bytes());
+    ASSERT_EQ(reader->Frames().size(), 2U);
+    EXPECT_EQ(reader->Frames()[0]->delay, 100U);
+    EXPECT_EQ(reader->Frames()[0]->disposal, 0U);
+    EXPECT_EQ(reader->Frames()[1]->delay, 300U);
+    EXPECT_EQ(reader->Frames()[1]->disposal, 1U);
+}
+
+TEST_F(GifReader, WhatFollowsTheTrailerIsNotThere) {
+    const auto reader =
+        Read(GifBytes(1, 1).Frame(0, 0, 1, 1, 1).Raw(";").Frame(0, 0, 1, 1, 2).Bytes());
+    EXPECT_EQ(reader->Frames().size(), 1U);
+}
+
+TEST_F(GifReader, TheOlderVersionIsReadToo) {
+    std::string bytes = GifBytes(3, 2).Frame(0, 0, 3, 2, 1).Bytes();
+    bytes.replace(3, 3, "87a");
+    EXPECT_EQ(Read(bytes)->Frames().size(), 1U);
+}
+
 // What stands before the damage is there.
 TEST_F(GifReader, AFileThatWasCutOff) {
     const std::string whole = GifBytes(4, 4)

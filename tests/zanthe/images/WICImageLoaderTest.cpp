@@ -1,13 +1,19 @@
+#include <filesystem>
 #include <functional>
+#include <memory>
 #include <stdexcept>
+#include <system_error>
 
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
 
 #include "platform/win32/Text.h"
+#include "tests/support/GifBytes.h"
+#include "tests/support/PngBytes.h"
 #include "tests/support/StillPictures.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
+#include "tests/support/TiffBytes.h"
 #include "zanthe/detection/DSMediaDetException.h"
 #include "zanthe/images/WICImageHelper.h"
 #include "zanthe/images/WICImageLoader.h"
@@ -128,12 +134,160 @@ TEST(WICImageLoader, APremultipliedPictureIsNotCapped) {
     EXPECT_EQ(PixelText(picture, 256, 1500), "00000000");
     for (int x = 0; x < 512; ++x) {
         const auto at = static_cast<std::size_t>(x) * 4;
-        EXPECT_NEAR(picture.bits[at + 2], x % 256 / 2, 1) << x;
-        EXPECT_NEAR(picture.bits[at + 1], x % 256, 1) << x;
+        EXPECT_EQ(picture.bits[at + 2], x % 256 / 2) << x;
+        EXPECT_EQ(picture.bits[at + 1], x % 256) << x;
         EXPECT_EQ(picture.bits[at + 3], x % 256) << x;
     }
     const std::string straight = folder.Write("s.tiff", TiffOfRows(5000, 3000, row, false));
     EXPECT_EQ(Loaded(straight).width, 4096);
+}
+
+// Every colour under every alpha that allows it.
+std::string AllPremultiplied() {
+    std::string pixels;
+    for (int alpha = 0; alpha < 256; ++alpha) {
+        for (int colour = 0; colour <= alpha; ++colour) {
+            pixels += {static_cast<char>(colour), static_cast<char>(alpha - colour),
+                       static_cast<char>(colour / 2), static_cast<char>(alpha)};
+        }
+    }
+    return pixels;
+}
+
+TEST(WICImageLoader, ColoursThatAreMultipliedComeAsTheyAreStored) {
+    const TemporaryFolder folder;
+    const std::string pixels = AllPremultiplied();
+    const int width = static_cast<int>(pixels.size() / 4);
+    for (const auto form :
+         {TiffBytes::Form::Little, TiffBytes::Form::Big, TiffBytes::Form::BigTiff}) {
+        TiffBytes tiff(width, 1, {8, 8, 8, 8}, pixels, form);
+        const std::string path =
+            folder.Write("p.tiff", tiff.Set(TiffBytes::ExtraSamples, {1}).Bytes());
+        const BgraPicture picture = Loaded(path);
+        ASSERT_EQ(picture.width, width); // not capped
+        for (std::size_t i = 0; i < pixels.size(); i += 4) {
+            const auto stored = [&](std::size_t band) {
+                return static_cast<std::uint8_t>(pixels[i + band]);
+            };
+            ASSERT_EQ(picture.bits[i], stored(2)) << i;
+            ASSERT_EQ(picture.bits[i + 1], stored(1)) << i;
+            ASSERT_EQ(picture.bits[i + 2], stored(0)) << i;
+            ASSERT_EQ(picture.bits[i + 3], stored(3)) << i;
+        }
+    }
+}
+
+// 16 bits and gray need a conversion, but none by alpha; and so they are capped.
+TEST(WICImageLoader, OtherMultipliedColoursAreNotMultipliedAgain) {
+    const TemporaryFolder folder;
+    const auto first = [&](TiffBytes tiff) {
+        return PixelText(
+            Loaded(folder.Write("p.tiff", tiff.Set(TiffBytes::ExtraSamples, {1}).Bytes())), 0, 0);
+    };
+    EXPECT_EQ(first(TiffBytes(1, 1, {8, 8}, "\x33\x81")), "33333381");
+    EXPECT_EQ(first(TiffBytes(1, 1, {16, 16}, "\x33\x33\x81\x81")), "33333381");
+    EXPECT_EQ(first(TiffBytes(1, 1, {16, 16, 16, 16}, "\x11\x11\x22\x22\x33\x33\x81\x81")),
+              "33221181");
+    // A colour above its alpha is none: it is cut.
+    EXPECT_EQ(first(TiffBytes(1, 1, {8, 8}, "\x99\x81")), "81818181");
+    std::string row;
+    for (int x = 0; x < 60; ++x) {
+        row += "\x33\x81";
+    }
+    TiffBytes wide(60, 1, {8, 8}, row);
+    const BgraPicture capped =
+        Loaded(folder.Write("w.tiff", wide.Set(TiffBytes::ExtraSamples, {1}).Bytes()), 30);
+    EXPECT_EQ(capped.width, 30);
+    EXPECT_EQ(PixelText(capped, 15, 0), "33333381");
+}
+
+// As libtiff, which reads the pixels, takes it.
+TEST(WICImageLoader, OfTwoEntriesOfOneTagTheFirstCounts) {
+    const TemporaryFolder folder;
+    TiffBytes tiff(1, 1, {8, 8, 8, 8}, "\x40\x40\x40\x80");
+    const auto pixel = [&](std::uint32_t firstKind, std::uint32_t secondKind) {
+        tiff.Set(TiffBytes::ExtraSamples, {firstKind});
+        tiff.Repeat(TiffBytes::ExtraSamples, {secondKind});
+        return PixelText(Loaded(folder.Write("a.tiff", tiff.Bytes())), 0, 0);
+    };
+    EXPECT_EQ(pixel(1, 2), "40404080");
+    EXPECT_EQ(pixel(2, 1), "20202080");
+}
+
+// libvips would show them as if they were red, green and blue.
+TEST(WICImageLoader, LumaAndChromaThatStaySoAreRefused) {
+    const TemporaryFolder folder;
+    for (const auto form :
+         {TiffBytes::Form::Little, TiffBytes::Form::Big, TiffBytes::Form::BigTiff}) {
+        constexpr std::uint32_t lumaAndChroma = 6;
+        TiffBytes tiff(1, 1, {8, 8, 8}, "\x40\x80\x80", form);
+        EXPECT_EQ(PixelText(Loaded(folder.Write("a.tiff", tiff.Bytes())), 0, 0), "808040FF");
+        const std::string path =
+            folder.Write("a.tiff", tiff.Set(TiffBytes::Photometric, {lumaAndChroma}).Bytes());
+        EXPECT_EQ(FailureOf([&] { Loaded(path); }), "detection: Unable to create decoder");
+    }
+}
+
+// Only JPEG has an orientation here.
+TEST(WICImageLoader, OtherFormatsAreNotTurned) {
+    const TemporaryFolder folder;
+    TiffBytes tiff(2, 1, {8, 8, 8}, "\1\2\3\4\5\6");
+    const BgraPicture picture =
+        Loaded(folder.Write("a.tiff", tiff.Set(TiffBytes::Orientation, {6}).Bytes()));
+    EXPECT_EQ(picture.width, 2);
+    EXPECT_EQ(picture.height, 1);
+    EXPECT_EQ(PixelText(picture, 0, 0), "030201FF");
+}
+
+// Not on a screen, and not with a frame behind it.
+TEST(WICImageLoader, AGifShowsItsFirstFrameAsItIsStored) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Write("a.gif", GifBytes(10, 10)
+                                                       .Control(10, 1, 7)
+                                                       .Frame(3, 2, 2, 3, {1, 7, 2, 2, 3, 4})
+                                                       .Frame(0, 0, 10, 10, 5)
+                                                       .Bytes());
+    const BgraPicture picture = Loaded(path);
+    ASSERT_EQ(picture.width, 2);
+    ASSERT_EQ(picture.height, 3);
+    EXPECT_EQ(PixelText(picture, 0, 0), "0000FFFF");
+    EXPECT_EQ(PixelText(picture, 1, 0), "00000000");
+    EXPECT_EQ(PixelText(picture, 1, 1), "00FF00FF");
+    EXPECT_EQ(PixelText(picture, 0, 2), "FF0000FF");
+    EXPECT_EQ(PixelText(picture, 1, 2), "00FFFFFF");
+}
+
+TEST(WICImageLoader, AGifIsCapped) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Write("a.gif", GifBytes(1, 1).Frame(0, 0, 60, 20, 4).Bytes());
+    WICImageLoader loader(win32::Utf8ToWide(path), 30);
+    EXPECT_EQ(loader.GetWidth(), 30);
+    EXPECT_EQ(loader.GetHeight(), 10);
+    loader.Load(0, 0, 0);
+    const BgraPicture picture = PictureOf(*loader.GetBitmap());
+    ASSERT_EQ(picture.width, 30);
+    ASSERT_EQ(picture.height, 10);
+    EXPECT_EQ(PixelText(picture, 15, 5), "00FFFFFF");
+}
+
+TEST(WICImageLoader, AGifWithoutAFrameIsNoBitmap) {
+    const TemporaryFolder folder;
+    WICImageLoader loader(win32::Utf8ToWide(folder.Write("a.gif", GifBytes(4, 4).Bytes())), Most);
+    EXPECT_EQ(loader.GetWidth(), 0);
+    EXPECT_EQ(loader.GetHeight(), 0);
+    EXPECT_EQ(FailureOf([&] { loader.Load(0, 0, 0); }), "WICImageLoader: Couldn't load a bitmap");
+}
+
+// In both codings that HEIF is mostly met with.
+TEST(WICImageLoader, HeifIsShown) {
+    const BgraPicture original = Loaded(Image("rgb24.png"));
+    for (const char* name : {"photo.heic", "photo.avif"}) {
+        const BgraPicture picture = Loaded(Image(name));
+        ASSERT_EQ(picture.width, 61) << name;
+        ASSERT_EQ(picture.height, 43) << name;
+        EXPECT_GT(Psnr(picture, original), 24) << name;
+        EXPECT_EQ(Loaded(Image(name), 30).width, 30) << name;
+    }
 }
 
 TEST(WICImageLoader, TurnsByTheOrientationOfTheCamera) {
@@ -197,6 +351,33 @@ TEST(WICImageLoader, TheFileStaysOpen) {
     EXPECT_EQ(loader.GetBitmap()->GetWidth(), 61);
 }
 
+// How many of this process's open files lie in the folder.
+std::size_t OpenIn(const TemporaryFolder& folder) {
+    std::size_t count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code none;
+        const std::string target = std::filesystem::read_symlink(entry.path(), none).string();
+        count += target.starts_with(folder.Path().string() + '/');
+    }
+    return count;
+}
+
+TEST(WICImageLoader, TheFileIsGivenBackWithTheLoader) {
+    const TemporaryFolder folder;
+    for (const char* name : {"upright.jpg", "rgba64be.png", "rgba.tiff", "alpha.webp", "cmyk.jpg",
+                             "interlaced.png", "bgr24.bmp"}) {
+        const std::string path = folder.Write(name, ReadWholeFile(Image(name)));
+        for (const int most : {Most, 20}) {
+            auto loader = std::make_unique<WICImageLoader>(win32::Utf8ToWide(path), most);
+            EXPECT_EQ(OpenIn(folder), 1U) << name;
+            loader->Load(0, 0, 0);
+            EXPECT_EQ(OpenIn(folder), 1U) << name;
+            loader.reset();
+            EXPECT_EQ(OpenIn(folder), 0U) << name;
+        }
+    }
+}
+
 TEST(WICImageLoader, WhatIsNoPictureHasNoDecoder) {
     const TemporaryFolder folder;
     const auto open = [](const std::string& path) {
@@ -232,6 +413,34 @@ TEST(WICImageLoader, TooManyPixelsAreRefusedAtOnce) {
     bmp.replace(18, 8, std::string("\0\0\1\0\0\0\1\0", 8));
     EXPECT_EQ(open(folder.Write("bomb.bmp", bmp)), text);
     EXPECT_EQ(open(folder.Write("bomb.tiff", TiffOfRows(60000, 60000, "abcd", false))), text);
+}
+
+// So are rows of which a few take more memory than other pictures, and planes that are only to be
+// put together when all of them are there.
+TEST(WICImageLoader, RowsThatAreTooLongAreRefusedAtOnce) {
+    const TemporaryFolder folder;
+    const auto open = [](const std::string& path) {
+        return FailureOf([&] { WICImageLoader(win32::Utf8ToWide(path), Most); });
+    };
+    const std::string text = "detection: Unable to create decoder";
+    const auto png = [&](int width) {
+        return open(folder.Write("a.png", PngBytes({width, 1, 6, 16}, "")));
+    };
+    EXPECT_EQ(png(131072), "none");
+    EXPECT_EQ(png(131073), text);
+    for (const auto form :
+         {TiffBytes::Form::Little, TiffBytes::Form::Big, TiffBytes::Form::BigTiff}) {
+        const auto tiff = [&](int height, std::uint32_t planes, std::uint32_t rows) {
+            const std::string pixels(1000, 'a');
+            TiffBytes bytes(16384, height, {16, 16, 16, 16}, pixels, form);
+            bytes.Set(TiffBytes::Planes, {planes}).Set(TiffBytes::Compression, {5});
+            return open(folder.Write("a.tiff", bytes.Set(TiffBytes::RowsPerStrip, {rows}).Bytes()));
+        };
+        EXPECT_EQ(tiff(16384, 1, 16384), "none");
+        EXPECT_EQ(tiff(4096, 2, 4096), "none");
+        EXPECT_EQ(tiff(4097, 2, 4097), text);
+        EXPECT_EQ(tiff(4097, 2, 65535), text);
+    }
 }
 
 TEST(WICImageLoader, ADamagedPictureIsNoBitmap) {

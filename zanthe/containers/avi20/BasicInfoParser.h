@@ -20,7 +20,8 @@ namespace AVI20::Read {
 // Sizes in the file are taken on trust as far as they do no harm: a file that is cut short gives
 // what it holds. std::exception, a plain one, is thrown for more than 50 streams in the main
 // header; for more stream lists than a chunk's name can count (256); for lists nested deeper than
-// 64; and for more chunks than fit into the file, which is what a walk makes of lists that overlap.
+// 64; and for more than a million chunks or more than fit into the file, which is what a walk makes
+// of lists that overlap.
 class BasicInfoParser : public ParserBase {
 public:
     // `stream` is borrowed for the life of this object.

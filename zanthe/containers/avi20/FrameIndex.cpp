@@ -31,7 +31,8 @@ FrameIndex::FrameIndex(IStream* stream, const ChunkHeader& chunk, std::uint64_t 
 bool FrameIndex::HoldsFrame(std::uint32_t frame) const {
     const std::uint64_t offset = GetFrameOffset(frame);
     const std::uint64_t size = m_stream->Size();
-    return frame < GetFrameCount() && offset <= size && GetFrameSize(frame) <= size - offset;
+    const std::uint32_t needed = GetFrameSize(frame);
+    return frame < GetFrameCount() && (needed == 0 || (offset <= size && needed <= size - offset));
 }
 
 bool FrameIndex::ReadFrame(std::uint32_t frame, void* buffer) const {

@@ -35,7 +35,8 @@ public:
 
     std::uint64_t GetTotalBytes() const { return m_index->GetTotalBytes(); }
 
-    // Whether all of the frame lies in the stream, so that it can be read.
+    // Whether all of the frame's bytes lie in the stream, so that they can be read; of none they
+    // do.
     bool HoldsFrame(std::uint32_t frame) const;
 
     // Writes GetFrameSize(frame) bytes; true where they could all be read. False, with nothing

@@ -3,9 +3,13 @@
 namespace AVI20::Read {
 
 ReaderImpl::ReaderImpl(IStream* stream)
-    : m_parser(stream)
-    , m_stream(stream) {
+    : m_stream(stream)
+    , m_parser(stream) {
     m_parser.ParseFile();
+}
+
+ReaderImpl::~ReaderImpl() {
+    m_streams.clear();
 }
 
 const MediaStreamReaderImpl* ReaderImpl::Stream(std::size_t index) {

@@ -13,6 +13,11 @@ namespace AVI20::Read {
 class ReaderImpl {
 public:
     explicit ReaderImpl(IStream* stream);
+    ReaderImpl(const ReaderImpl&) = delete;
+    ReaderImpl& operator=(const ReaderImpl&) = delete;
+
+    // The streams go first, in their order, then the parser.
+    ~ReaderImpl();
 
     const BasicInfoParser& Parser() const { return m_parser; }
 
@@ -21,10 +26,9 @@ public:
     const MediaStreamReaderImpl* Stream(std::size_t index);
 
 private:
-    // In the order of their making; the parser goes last.
-    BasicInfoParser m_parser;
     IStream* m_stream;
     std::vector<std::unique_ptr<MediaStreamReaderImpl>> m_streams; // null until asked for
+    BasicInfoParser m_parser;
 };
 
 } // namespace AVI20::Read

@@ -13,6 +13,8 @@ namespace AVI20::Read {
 // structure with a member `FrameInfoType Info() const`.
 template <typename FrameInfoType, typename Record>
 class TemplatedIndex : public Index {
+    static_assert(sizeof(Record) <= 16, "a million of them are kept");
+
 public:
     // Index
     std::shared_ptr<FrameInfo> GetFrameInfo(std::uint32_t frame) const override {
@@ -68,6 +70,7 @@ protected:
 
     // Behind the last record.
     void Finish() {
+        m_records.shrink_to_fit(); // several standard indexes have made it grow by doubling
         m_byteOffsets.reserve(m_records.size());
         std::uint64_t sum = 0;
         for (std::uint32_t frame = 0; frame < GetFrameCount(); ++frame) {
@@ -78,6 +81,7 @@ protected:
                 m_keyFrames.push_back(frame);
             }
         }
+        m_keyFrames.shrink_to_fit();
     }
 
     // The sum of all sizes.

@@ -7,6 +7,7 @@
 namespace AVI20::Read {
 
 // Knows its position itself, so nobody else may move that of the stream underneath.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): final, and ended as what it is
 class WindowsStream final : public IStream {
 public:
     // `stream` is borrowed for the life of this object, and is at its start; it may be null.
