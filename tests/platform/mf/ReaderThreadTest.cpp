@@ -169,15 +169,15 @@ TEST_F(SlowReads, TheReaderDoesNotMoveMeanwhile) {
     EXPECT_EQ(Seek(*m_reader, 0), S_OK);
 }
 
-TEST_F(SlowReads, ItsEndDropsTheReadThatIsUnderWay) {
+// Which of the two comes first is left to chance, and plays no part.
+TEST_F(SlowReads, ItMayEndWhileItReads) {
     AskAndWaitUntilItReads();
     ASSERT_EQ(Ask(), S_OK);
     std::thread ending([&] { m_reader.Reset(); });
-    m_inner->LetGo();
+    m_inner->LetGo(2);
     ending.join();
     // Nobody is called any more, and nobody holds what the thread has used.
-    const std::size_t answers = m_callback->Count();
-    EXPECT_LE(answers, 1U); // the end may have come behind the first answer
+    EXPECT_LE(m_callback->Count(), static_cast<std::size_t>(m_inner->Begun()));
     m_callback->AddRef();
     EXPECT_EQ(m_callback->Release(), 1U);
     m_inner->AddRef();
