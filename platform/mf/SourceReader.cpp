@@ -1,12 +1,13 @@
 #include "platform/mf/SourceReader.h"
 
 #include <algorithm>
+#include <atomic>
+#include <deque>
 #include <filesystem>
 #include <limits>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <vector>
 
 #include "platform/av/DeferredVideoStream.h"
 #include "platform/av/FileFacts.h"
@@ -80,10 +81,15 @@ av::VideoOptions OptionsFor(int ordinal, const Settings& settings) {
 
 // One stream of the file. What gives its samples is made when it is first needed.
 struct Stream {
+    // Never changed once the reader is made.
+    DWORD number = 0;
     av::FileStream facts;
     com::ComPtr<IMFMediaType> native;
+
+    std::atomic<bool> selected = true;
+
+    // Guarded by the reader's lock:
     com::ComPtr<IMFMediaType> current;
-    bool selected = true;
     std::unique_ptr<av::VideoStream> pictures; // null until needed, as is the next
     std::unique_ptr<av::SoundStream> sound;
     std::unique_ptr<ISampleSource> samples; // null until needed; may use one of them
@@ -153,8 +159,8 @@ private:
     const Settings m_settings;
     const com::ComPtr<IMFMediaSource> m_source; // may be empty
     const LONGLONG m_duration;
-    std::mutex m_mutex; // guards all below
-    std::vector<Stream> m_streams;
+    std::deque<Stream> m_streams; // which ones there are never changes
+    std::mutex m_mutex;           // held while samples are made, which takes its time
 };
 
 SourceReader::SourceReader(std::string path, Settings settings, const av::FileFacts& facts,
@@ -165,6 +171,7 @@ SourceReader::SourceReader(std::string path, Settings settings, const av::FileFa
     , m_duration(facts.duration) {
     for (const av::FileStream& described : facts.streams) {
         Stream& stream = m_streams.emplace_back();
+        stream.number = static_cast<DWORD>(m_streams.size() - 1);
         stream.facts = described;
         stream.native = NativeTypeOf(described, facts.container);
         stream.current = CopyOf(*stream.native);
@@ -200,7 +207,6 @@ HRESULT SourceReader::GetStreamSelection(DWORD streamIndex, BOOL* selected) {
     if (selected == nullptr) {
         return E_POINTER;
     }
-    const std::lock_guard lock(m_mutex);
     const Stream* stream = StreamAt(streamIndex);
     if (stream == nullptr) {
         return MF_E_INVALIDSTREAMNUMBER;
@@ -210,7 +216,6 @@ HRESULT SourceReader::GetStreamSelection(DWORD streamIndex, BOOL* selected) {
 }
 
 HRESULT SourceReader::SetStreamSelection(DWORD streamIndex, BOOL selected) {
-    const std::lock_guard lock(m_mutex);
     if (streamIndex == MF_SOURCE_READER_ALL_STREAMS) {
         for (Stream& stream : m_streams) {
             stream.selected = selected != FALSE;
@@ -236,7 +241,6 @@ HRESULT SourceReader::GetNativeMediaType(DWORD streamIndex, DWORD typeIndex, IMF
     }
     *type = nullptr;
     return com::Wall([&] {
-        const std::lock_guard lock(m_mutex);
         const Stream* stream = StreamAt(streamIndex);
         if (stream == nullptr) {
             return MF_E_INVALIDSTREAMNUMBER;
@@ -412,7 +416,7 @@ HRESULT SourceReader::ReadSample(DWORD streamIndex, DWORD /*controlFlags*/, DWOR
         SampleRead read = ReadFrom(*stream);
         *flags = read.flags;
         if (actualIndex != nullptr) {
-            *actualIndex = static_cast<DWORD>(stream - m_streams.data());
+            *actualIndex = stream->number;
         }
         if (time != nullptr) {
             *time = read.time;
@@ -423,7 +427,6 @@ HRESULT SourceReader::ReadSample(DWORD streamIndex, DWORD /*controlFlags*/, DWOR
 }
 
 HRESULT SourceReader::Flush(DWORD streamIndex) {
-    const std::lock_guard lock(m_mutex);
     // Nothing is read ahead of the one who asks, so there is nothing to drop.
     const bool known =
         streamIndex == MF_SOURCE_READER_ALL_STREAMS || StreamAt(streamIndex) != nullptr;
@@ -440,7 +443,6 @@ HRESULT SourceReader::GetServiceForStream(DWORD streamIndex, REFGUID service, RE
         return MF_E_UNSUPPORTED_SERVICE;
     }
     return com::Wall([&] {
-        const std::lock_guard lock(m_mutex);
         const Stream* video = StreamAt(MF_SOURCE_READER_FIRST_VIDEO_STREAM);
         if (service != MF_SCRUBBING_SERVICE || video == nullptr) {
             return MF_E_UNSUPPORTED_SERVICE;
@@ -456,7 +458,6 @@ HRESULT SourceReader::GetPresentationAttribute(DWORD streamIndex, REFGUID attrib
     }
     PropVariantInit(value);
     if (streamIndex != MF_SOURCE_READER_MEDIASOURCE) {
-        const std::lock_guard lock(m_mutex);
         return StreamAt(streamIndex) == nullptr ? MF_E_INVALIDSTREAMNUMBER : MF_E_ATTRIBUTENOTFOUND;
     }
     if (attribute != MF_PD_DURATION || m_duration <= 0) {

@@ -47,6 +47,22 @@ TEST(ProgramVerify, ASoundAtAnotherRateIsTheSameInEveryOrder) {
     EXPECT_EQ(end.status, 0) << end.out << end.err;
 }
 
+TEST(ProgramVerify, SoundOfEveryKindIsTheSameInEveryOrder) {
+    for (const char* file :
+         {"sound/pcm-48000-24.wav", "sound/aac-44100.m4a", "sound/aac-film.mp4",
+          "sound/aac-film.mov", "sound/alac-44100.m4a", "sound/mp3-film.mp4",
+          "sound/wma1-32000.wma", "sound/wma2-film.wmv", "sound/ac3-film.mts",
+          "sound/aac-film.m2ts", "sound-exact/aac-doubled.m4a", "sound-exact/sound-late.mp4",
+          "sound-exact/sound-longer.mp4", "sound-exact/edit-inside.m4a"}) {
+        for (const char* rate : {"44100", "16001"}) {
+            const ProgramEnd end =
+                RunProgram({"verify", "--audio", MadeMedia(file), "--rate", rate, "--seeks", "10"});
+            EXPECT_EQ(end.status, 0) << file << ' ' << rate << '\n' << end.out << end.err;
+            EXPECT_EQ(end.err, "") << file;
+        }
+    }
+}
+
 TEST(ProgramVerify, TellsWhatItComparedAsJson) {
     const ProgramEnd end =
         RunProgram({"verify", Tone(), "--seed", "18446744073709551615", "--seeks", "30", "--json"});

@@ -95,6 +95,19 @@ INSTANTIATE_TEST_SUITE_P(
         return "File" + std::to_string(test.index) + "At" + std::to_string(std::get<1>(test.param));
     });
 
+// Packets of samples as they are begin wherever a read goes to, so that each read is cut otherwise.
+TEST(ConvertedSound, HowTheInputIsCutMakesNoDifferenceAtAwkwardRates) {
+    for (const char* name : {"pcm-double.wav", "pcm-extensible-8.wav", "pcm-8.wav"}) {
+        const Sound sound = Open(name, Stereo(16001));
+        const Frames whole = ReadFrames(*sound.converted, 0, kAll);
+        for (std::size_t from = 1; from < whole.Count(); from += 4321) {
+            ASSERT_TRUE(ReadFrames(*sound.converted, static_cast<std::int64_t>(from), kAll) ==
+                        whole.Slice(from, whole.Count()))
+                << name << ' ' << from;
+        }
+    }
+}
+
 TEST(ConvertedSound, AtItsOwnRateItIsTheProgramsSound) {
     const std::string name = "aac-stereo.m4a";
     const Frames whole = ReadFrames(*Open(name, Stereo(44100)).converted, 0, kAll);

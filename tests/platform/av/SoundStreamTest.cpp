@@ -53,6 +53,7 @@ constexpr File kFiles[] = {
     {"aac-8000.m4a", 76000},
     {"aac-noise.m4a", 418950, "", 0.1F},
     {"aac-fragments.mp4", 419974},
+    {"aac-doubled.m4a", 418950},
     {"alac-16.m4a", 418950},
     {"alac-24.m4a", 456000},
     {"alac-6.m4a", 456000},

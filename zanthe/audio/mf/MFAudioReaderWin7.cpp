@@ -20,6 +20,9 @@ namespace {
 constexpr std::size_t ChannelCount = 2;
 // Room for one pull of output: more than any one sample of a source gives.
 constexpr unsigned int MostFramesAtOnce = 1U << 20;
+// Passes in a row that bring no frame and take none: samples without sound are read past, but a
+// resampler that only fails would be asked for ever.
+constexpr int MostIdlePasses = 1000;
 
 } // namespace
 
@@ -94,7 +97,7 @@ void MFAudioReaderWin7::Drain(StereoPlanes& planes) {
 
 void MFAudioReaderWin7::Resample(std::int64_t frame, StereoPlanes& planes) {
     bool isLastPass = false;
-    while (!planes.IsFull() && !isLastPass) {
+    for (int idle = 0; !planes.IsFull() && !isLastPass && idle < MostIdlePasses;) {
         if (RangeOf(frame) == SampleInRange::After) {
             Finder().AdvanceToNextSample(nullptr);
         }
@@ -105,10 +108,7 @@ void MFAudioReaderWin7::Resample(std::int64_t frame, StereoPlanes& planes) {
         if (FAILED(pull.result) && pull.result != MF_E_TRANSFORM_NEED_MORE_INPUT) {
             return;
         }
-        // Neither in nor out: the next pass would find everything as it is.
-        if (pull.frames == 0 && feed.consumed == 0) {
-            return;
-        }
+        idle = pull.frames == 0 && feed.consumed == 0 ? idle + 1 : 0;
     }
 }
 

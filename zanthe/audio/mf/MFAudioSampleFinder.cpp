@@ -18,7 +18,11 @@ namespace Zanthe {
 namespace {
 
 constexpr std::int64_t ForcedSeekSeconds = 60;
-constexpr int MostMoves = 101;
+constexpr int MostPasses = 101; // of one walk
+// A step of a walk may be a seek, with a walk of its own, and so on. A source that always lands
+// short would be sought in for ever.
+constexpr int MostWalksWithin = 101;
+constexpr int MostMoves = MostPasses * MostWalksWithin; // of all of them
 // A seek that lands behind its target is made up for by one that goes this many samples further.
 constexpr int SamplesToGoBack = 5;
 // Samples without sound bring nobody forward; a source that gives nothing else has ended.
@@ -188,8 +192,13 @@ bool MFAudioSampleFinder::SeekTo(std::int64_t time) {
 }
 
 bool MFAudioSampleFinder::AdvanceToNextSample(IMFSample** sample) {
-    m_movesLeft = MostMoves;
+    BeginSearch();
     return Advance(sample);
+}
+
+void MFAudioSampleFinder::BeginSearch() {
+    m_openWalks = 0;
+    m_movesLeft = MostMoves;
 }
 
 bool MFAudioSampleFinder::Advance(IMFSample** sample) {
@@ -221,23 +230,26 @@ bool MFAudioSampleFinder::StepToNextSample() {
 }
 
 bool MFAudioSampleFinder::SeekAndWaitForSample(std::int64_t time, IMFSample** sample) {
-    m_movesLeft = MostMoves;
+    BeginSearch();
     return SeekAndWalk(time, sample);
 }
 
 bool MFAudioSampleFinder::SeekAndWalk(std::int64_t time, IMFSample** sample) {
-    if (!SeekTo(time)) {
+    if (m_openWalks >= MostWalksWithin || !SeekTo(time)) {
         return false;
     }
     GiveCurrentSample(sample);
-    return WalkTo(time);
+    ++m_openWalks;
+    const bool found = WalkTo(time);
+    --m_openWalks;
+    return found;
 }
 
-// From wherever a seek has landed. A step may be a seek itself, with a walk of its own: all of them
-// share the moves, or a source that always lands short would be sought in for ever.
+// From wherever a seek has landed.
 bool MFAudioSampleFinder::WalkTo(std::int64_t time) {
     std::set<std::int64_t> seen;
-    while (m_movesLeft-- > 0) {
+    for (int pass = 0; pass < MostPasses && m_movesLeft > 0; ++pass) {
+        --m_movesLeft;
         const SampleInRange range = IsTimeWithinCurrentSample(time);
         if (range == SampleInRange::NoAnswer || range == SampleInRange::Within) {
             return range == SampleInRange::Within;

@@ -119,6 +119,7 @@ private:
     bool UseFormat();
     bool ReadFirstSample();
     bool ReadSample();
+    void BeginSearch();
     bool Advance(IMFSample** sample);
     bool StepToNextSample();
     bool SeekTo(std::int64_t time);
@@ -148,7 +149,9 @@ private:
     std::int64_t m_forcedSeekInterval = 0;
     MFAudioSampleFormat m_format;
     int m_emptySamples = 0; // in a row
-    int m_movesLeft = 0;    // of the search that is under way, and of those that its steps begin
+    // Of the search that is under way:
+    int m_openWalks = 0; // one within the other
+    int m_movesLeft = 0; // of all its walks
 };
 
 } // namespace Zanthe

@@ -204,6 +204,25 @@ TEST_F(Legacy, AMinuteWithoutASeekForcesOne) {
     EXPECT_EQ(m_reader.NumSeeks(), 2);
 }
 
+TEST_F(Legacy, AFrameShortOfAMinuteForcesNone) {
+    m_script->samples = SoundSamples(700, kFrames, kRate);
+    m_script->duration = 700 * kLength;
+    --m_script->samples[599].frames;
+    Initialize();
+    EXPECT_EQ(Read(0, 2'645'999).Frames(), 2'645'999U);
+    EXPECT_EQ(Read(2'645'999, 10).Frames(), 10U);
+    EXPECT_EQ(m_reader.NumSeeks(), 0);
+}
+
+TEST_F(Legacy, WhereNothingCanBeSoughtNoSeekIsForced) {
+    m_script->samples = SoundSamples(700, kFrames, kRate);
+    m_script->duration = 600 * kLength;
+    Initialize();
+    EXPECT_EQ(Read(0, 2'646'000).Frames(), 2'646'000U);
+    EXPECT_TRUE(Read(2'646'000, 10'000) == Ramp(2'646'000, 10'000));
+    EXPECT_EQ(m_reader.NumSeeks(), 0);
+}
+
 TEST_F(Legacy, AForcedSeekHappensWithinASampleToo) {
     m_script->samples = SoundSamples(700, kFrames, kRate);
     m_script->duration = 700 * kLength;
@@ -219,6 +238,18 @@ TEST_F(Legacy, ALandingBeforeTheTargetIsReadUpFrom) {
     EXPECT_TRUE(Read(30 * kFrames + 7, 100) == Ramp(30 * kFrames + 7, 100));
     EXPECT_EQ(m_reader.NumSeeks(), 1);
     EXPECT_EQ(m_reader.NumReseeks(), 0);
+}
+
+TEST_F(Legacy, ALandingThatEndsAtTheTargetIsAGoodOne) {
+    m_script->landing = [](std::int64_t) { return 29; };
+    Initialize();
+    m_script->outcome = [](int read) {
+        return read == 2 ? SoundOutcome::End : SoundOutcome::Sample;
+    };
+    EXPECT_EQ(Read(30 * kFrames, 10).Frames(), 0U); // nothing came behind it
+    EXPECT_EQ(m_reader.NumReseeks(), 0);
+    EXPECT_TRUE(Read(30 * kFrames, 10) == Ramp(30 * kFrames, 10)); // gone on from there
+    EXPECT_EQ(m_reader.NumSeeks(), 1);
 }
 
 TEST_F(Legacy, ThreeLandingsOnOnePlaceTakeItForTheTarget) {
@@ -327,6 +358,22 @@ TEST_F(Legacy, ATickEndsTheSearchForASample) {
     EXPECT_TRUE(Read(300'000, 10) == Ramp(300'000, 10));
 }
 
+TEST_F(Legacy, ATickWithASampleEndsTheSearchToo) {
+    Initialize();
+    m_script->outcome = [](int read) {
+        return read == 1 ? SoundOutcome::TickWithSample : SoundOutcome::Sample;
+    };
+    EXPECT_EQ(Read(300'000, 10).Frames(), 0U);
+}
+
+TEST_F(Legacy, ManyTicksAreReadPastOnTheWayOn) {
+    Initialize();
+    m_script->outcome = [](int read) {
+        return read > 1 && read < 100 ? SoundOutcome::Tick : SoundOutcome::Sample;
+    };
+    EXPECT_TRUE(Read(0, 20'000) == Ramp(0, 20'000));
+}
+
 TEST_F(Legacy, ATickIsReadPastOnTheWayOn) {
     Initialize();
     m_script->outcome = [](int read) {
@@ -423,6 +470,34 @@ TEST_F(LegacyResampled, IntegersAreReadAs16BitsWhereTheyDoNotSay) {
     EXPECT_EQ(subtype, MFAudioFormat_PCM);
     EXPECT_EQ(MFGetAttributeUINT32(m_script->typeSet.Get(), MF_MT_AUDIO_BITS_PER_SAMPLE, 0), 16U);
     EXPECT_EQ(MFGetAttributeUINT32(m_script->typeSet.Get(), MF_MT_AUDIO_BLOCK_ALIGNMENT, 0), 6U);
+}
+
+TEST_F(LegacyResampled, AChannelHasWholeBytes) {
+    m_script->nativeType->SetGUID(MF_MT_SUBTYPE, MFAudioFormat_PCM);
+    m_script->nativeType->SetUINT32(MF_MT_AUDIO_BITS_PER_SAMPLE, 20);
+    Initialize();
+    EXPECT_EQ(MFGetAttributeUINT32(m_script->typeSet.Get(), MF_MT_AUDIO_BLOCK_ALIGNMENT, 0), 4U);
+}
+
+TEST_F(LegacyResampled, WhatGoesInIsCountedInTheSourcesFrames) {
+    m_script->nativeType->SetGUID(MF_MT_SUBTYPE, MFAudioFormat_PCM);
+    m_script->nativeType->SetUINT32(MF_MT_AUDIO_BITS_PER_SAMPLE, 16);
+    m_script->sampleBytes = 2;
+    Initialize();
+    Read(100, 1);
+    ASSERT_FALSE(m_resampler->inputBytes.empty());
+    EXPECT_EQ(m_resampler->inputBytes.front(), static_cast<std::size_t>(kFrames - 100) * 4);
+}
+
+TEST_F(LegacyResampled, AMinuteWithoutASeekForcesOne) {
+    m_script->samples = SoundSamples(700, kFrames, kRate);
+    m_script->duration = 700 * kLength;
+    Initialize();
+    EXPECT_EQ(Read(0, 2'646'000).Frames(), 2'646'000U);
+    m_resampler->messages.clear();
+    EXPECT_TRUE(Read(2'646'000, 10) == Ramp(2'646'000, 10));
+    EXPECT_EQ(m_reader.NumSeeks(), 1);
+    EXPECT_EQ(m_resampler->messages.front(), "flush");
 }
 
 TEST_F(LegacyResampled, WhatFailsWhileOpeningIsTold) {

@@ -119,6 +119,23 @@ TEST_F(Reader, TheWindowIsCountedFromTheLastUnitOfTheSample) {
     EXPECT_EQ(m_reader.SeekCount(), 1);
 }
 
+// A seek's time stamp need not fall on a frame; so the window's edge can be met to the unit.
+TEST_F(Reader, TheWindowEndsAtFiveSecondsToTheUnit) {
+    const auto seeksAfter = [&](std::int64_t offset) {
+        m_script->samples[300].time += offset;
+        MFAudioReader reader(std::string("a.wma"));
+        EXPECT_TRUE(reader.Initialize(kRate));
+        EXPECT_TRUE(ReadSpan(reader, 300'500, 1) == Ramp(300'500, 1));
+        const std::int64_t before = reader.SeekCount();
+        EXPECT_TRUE(ReadSpan(reader, 541'000, 1) == Ramp(541'000, 1));
+        m_script->samples[300].time -= offset;
+        return reader.SeekCount() - before;
+    };
+    EXPECT_EQ(seeksAfter(0), 1); // 50000001 units behind the sample's last one
+    EXPECT_EQ(seeksAfter(1), 1); // 50000000
+    EXPECT_EQ(seeksAfter(2), 0); // 49999999
+}
+
 TEST_F(Reader, AReadPastTheEndReturnsWhatThereIs) {
     Initialize();
     std::vector<float> left(100, 9.0F);
@@ -187,6 +204,28 @@ TEST_F(Reader, TheForcedSeekIsNoSeam) {
     EXPECT_TRUE(Read(0, 100'000) == Ramp(0, 100'000));
     EXPECT_EQ(m_reader.SeekCount(), 9);
     EXPECT_EQ(m_reader.GetPresentationLength(), 20 * kUnitsPerSecond);
+}
+
+TEST_F(Reader, AForcedSeekThatLandsAUnitBehindIsNoSeam) {
+    for (std::size_t i = 1; i < m_script->samples.size(); ++i) {
+        ++m_script->samples[i].time;
+    }
+    Initialize();
+    m_reader.SetForcedSeekInterval(3000);
+    EXPECT_TRUE(Read(0, 20'000) == Ramp(0, 20'000));
+}
+
+// Every step is a seek here, and every seek lands on the sample that was just read to its end.
+TEST_F(Reader, ASourceThatDoesNotGetOnEndsTheRead) {
+    for (std::size_t i = 1; i < m_script->samples.size(); ++i) {
+        m_script->samples[i].time += 90; // not half a frame
+    }
+    Initialize();
+    EXPECT_TRUE(Read(1500, 1) == Ramp(1500, 1));
+    m_reader.SetForcedSeekInterval(0);
+    EXPECT_TRUE(Read(1600, 20'000) == Ramp(1600, 400));
+    EXPECT_GT(m_reader.SeekCount(), 50);
+    EXPECT_LE(m_reader.SeekCount(), 110);
 }
 
 TEST_F(Reader, EmptySamplesAreReadPast) {

@@ -50,6 +50,7 @@ TEST_F(Win7, PutsAResamplerBehindTheSource) {
     EXPECT_EQ(MFGetAttributeUINT32(&output, MF_MT_AUDIO_BLOCK_ALIGNMENT, 0), 8U);
     EXPECT_EQ(MFGetAttributeUINT32(&output, MF_MT_FIXED_SIZE_SAMPLES, 7), 7U);
     EXPECT_THAT(m_resampler->messages, ElementsAre("begin"));
+    EXPECT_EQ(m_resampler->infos, 1);
 }
 
 TEST_F(Win7, TellsTheResamplerOfItsEnd) {
@@ -142,10 +143,52 @@ TEST_F(Win7, AReadPastTheEndReturnsWhatThereIs) {
     EXPECT_EQ(Read(std::numeric_limits<std::int64_t>::max(), 100).Frames(), 0U);
 }
 
+TEST_F(Win7, AResamplerThatTakesMuchBeforeItGivesIsFed) {
+    m_resampler->delay = 2500;
+    Initialize();
+    EXPECT_TRUE(Read(0, 1500) == Ramp(0, 1500));
+    EXPECT_THAT(m_resampler->messages,
+                ElementsAre("begin", "flush", "input", "input", "input", "input"));
+}
+
+TEST_F(Win7, EmptySamplesAreReadPast) {
+    Initialize();
+    m_script->samples.insert(m_script->samples.begin() + 1, 7, {226'757, 1000, 0, -1});
+    EXPECT_TRUE(Read(0, 3000) == Ramp(0, 3000));
+}
+
+TEST_F(Win7, AtTheEndItIsPulledOnceMore) {
+    m_resampler->mostAtOnce = 10;
+    Initialize();
+    // What came in last gives ten frames, and the end of the stream ten more.
+    EXPECT_TRUE(Read(399'970, 100) == Ramp(399'970, 20));
+    EXPECT_EQ(m_resampler->outputs, 2);
+}
+
+TEST_F(Win7, AReadThatFellShortIsGoneOnFromWhereItStopped) {
+    Initialize();
+    m_script->outcome = [](int read) {
+        return read == 2 ? SoundOutcome::Failed : SoundOutcome::Sample;
+    };
+    EXPECT_TRUE(Read(0, 5000) == Ramp(0, 2000));
+    EXPECT_TRUE(Read(2000, 100) == Ramp(2000, 100));
+    EXPECT_EQ(m_resampler->messages.back(), "input");
+    EXPECT_EQ(m_resampler->messages.end()[-2], "drain");
+    EXPECT_TRUE(Read(7000, 100) == Ramp(7000, 100));
+    EXPECT_EQ(m_resampler->messages.end()[-2], "flush");
+}
+
+TEST_F(Win7, ARateWithoutAConversionIsReadFromItsStart) {
+    Initialize(12345);
+    EXPECT_TRUE(Read(50'000, 10) == Ramp(0, 10));
+    EXPECT_EQ(Read(-1, 10).Frames(), 0U);
+}
+
 TEST_F(Win7, AResamplerThatOnlyFailsIsAnEnd) {
     Initialize();
     m_resampler->outputResult = E_FAIL;
     EXPECT_EQ(Read(0, 10).Frames(), 0U);
+    EXPECT_EQ(m_resampler->outputs, 1);
     m_resampler->outputResult = S_OK;
     m_resampler->inputResult = MF_E_NOTACCEPTING;
     EXPECT_EQ(Read(200'000, 10).Frames(), 0U);

@@ -203,6 +203,26 @@ TEST_F(Finder, CompressedSoundComesAsIntegersOf16Bits) {
     EXPECT_EQ(finder.AudioSampleFormat().bitsPerSample, 16U);
 }
 
+TEST_F(Finder, AFrameOfOddWidthIsWholeBytes) {
+    m_script->nativeType->SetUINT32(MF_MT_AUDIO_BITS_PER_SAMPLE, 20);
+    MFAudioSampleFinder finder(std::string("a.wav"), true);
+    ASSERT_TRUE(finder.Initialize(48000));
+    EXPECT_EQ(finder.AudioSampleFormat().blockAlign, 5U); // 40 bits, and not two of 16
+}
+
+TEST_F(Finder, APartOfAFrameIsNotCounted) {
+    m_script->nativeType->SetUINT32(MF_MT_AUDIO_NUM_CHANNELS, 7);
+    m_script->nativeType->SetUINT32(MF_MT_AUDIO_BITS_PER_SAMPLE, 8);
+    m_script->nativeType->SetUINT32(MF_MT_AUDIO_SAMPLES_PER_SECOND, kRate);
+    MFAudioSampleFinder finder(std::string("a.wav"), true);
+    ASSERT_TRUE(finder.Initialize(0));
+    com::ComPtr<IMFSample> sample;
+    ASSERT_TRUE(finder.GetCurrentSample(sample.Put()));
+    LONGLONG duration = 0;
+    sample->GetSampleDuration(&duration);
+    EXPECT_EQ(duration, std::llround(kFrames * 8 / 7 / 48000.0 * 1e7)); // 38400 bytes by 7
+}
+
 TEST_F(Finder, ANativeFormatThatTellsNothingIsRefused) {
     m_script->nativeType->SetUINT32(MF_MT_AUDIO_NUM_CHANNELS, 0);
     MFAudioSampleFinder silent(std::string("a.wma"), true);
@@ -431,6 +451,18 @@ TEST_F(Finder, WithAnIntervalOfNothingEveryStepIsASeek) {
             EXPECT_EQ(Time(), time + i * kLength);
         }
     }
+}
+
+TEST_F(Finder, AWalkWhoseStepsAreSeeksHasAsManyMoves) {
+    constexpr std::int64_t target = 60 * kLength + 5;
+    m_script->landing = [](std::int64_t position) {
+        return static_cast<std::size_t>(position == target ? 0 : position / kLength);
+    };
+    ASSERT_TRUE(Initialize());
+    m_finder.SetForcedSeekInterval(0);
+    EXPECT_TRUE(Seek(target));
+    EXPECT_EQ(Time(), 60 * kLength);
+    EXPECT_EQ(m_finder.SeekCount(), 61);
 }
 
 TEST_F(Finder, ASourceThatAlwaysLandsShortDoesNotSeekForEver) {

@@ -67,10 +67,11 @@ protected:
 
 TEST_F(Recontainering, ReadsACopyOfTheSoundTrackAlone) {
     std::string copy;
-    EXPECT_CALL(m_backends, CreateCurrent(testing::_, 48000)).WillOnce([&](const std::string& path, int) {
-        copy = path;
-        return m_inner;
-    });
+    EXPECT_CALL(m_backends, CreateCurrent(testing::_, 48000))
+        .WillOnce([&](const std::string& path, int) {
+            copy = path;
+            return m_inner;
+        });
     const ReaderPtr reader = Make(m_aac);
     ASSERT_EQ(Files().size(), 1U);
     EXPECT_EQ(Files()[0].string(), copy);
@@ -79,6 +80,21 @@ TEST_F(Recontainering, ReadsACopyOfTheSoundTrackAlone) {
     EXPECT_NE(MP4FindTrackId(file, 0, MP4_AUDIO_TRACK_TYPE, 0), MP4_INVALID_TRACK_ID);
     EXPECT_EQ(MP4FindTrackId(file, 1, nullptr, 0), MP4_INVALID_TRACK_ID);
     MP4Close(file, 0);
+}
+
+TEST_F(Recontainering, TheCopyCountsTimeAsTheFileDoes) {
+    std::string bytes = ReadWholeFile(m_aac);
+    bytes.replace(bytes.find("mvhd") + 16, 4, std::string("\x00\x00\x02\x58", 4)); // 600
+    const TemporaryFolder other;
+    std::uint32_t scale = 0;
+    EXPECT_CALL(m_backends, CreateCurrent).WillOnce([&](const std::string& path, int) {
+        MP4FileHandle file = MP4Read(path.c_str());
+        scale = MP4GetTimeScale(file);
+        MP4Close(file, 0);
+        return m_inner;
+    });
+    Make(other.Write("a.mp4", bytes));
+    EXPECT_EQ(scale, 600U);
 }
 
 TEST_F(Recontainering, BelowSixTwoTheLegacyReaderReadsTheCopy) {

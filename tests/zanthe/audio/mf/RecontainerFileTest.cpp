@@ -77,6 +77,18 @@ TEST(RecontainerFile, WhatAKilledRunHasLeftGoesWithTheNextOne) {
     EXPECT_EQ(EntriesIn(folder), 0U);
 }
 
+TEST(RecontainerFile, ANameIsFreeAgainBehindItsObject) {
+    const TemporaryFolder folder;
+    std::string path;
+    {
+        const RecontainerFile file(folder.Path().string());
+        path = file.Path();
+    }
+    folder.Write(fs::path(path).filename().string(), "left by somebody else");
+    { const RecontainerFile file(folder.Path().string()); }
+    EXPECT_FALSE(Exists(path));
+}
+
 TEST(RecontainerFile, TheMarkCountsInTheMiddleOfANameToo) {
     const TemporaryFolder folder;
     const std::string marked = folder.Write("x-recontainer31132011991-y.bin", "");

@@ -18,6 +18,7 @@ public:
 
     // IMFTransform
     HRESULT GetOutputStreamInfo(DWORD, MFT_OUTPUT_STREAM_INFO* info) override {
+        ++m_script->infos;
         *info = {};
         return S_OK;
     }
@@ -52,6 +53,7 @@ public:
         com::ComPtr<IMFMediaBuffer> buffer;
         sample->ConvertToContiguousBuffer(buffer.Put());
         const mf::BufferLock lock(*buffer);
+        m_script->inputBytes.push_back(lock.CurrentLength());
         for (std::size_t at = 0; at + kFrameBytes <= lock.CurrentLength(); at += kFrameBytes) {
             float frame[2];
             std::memcpy(frame, lock.Bytes() + at, kFrameBytes);
@@ -72,8 +74,8 @@ public:
         com::ComPtr<IMFMediaBuffer> buffer;
         buffers[0].pSample->GetBufferByIndex(0, buffer.Put());
         const mf::BufferLock lock(*buffer);
-        const std::size_t count =
-            std::min(m_script->held.size() - kept, lock.MaxLength() / kFrameBytes);
+        const std::size_t count = std::min(
+            {m_script->held.size() - kept, lock.MaxLength() / kFrameBytes, m_script->mostAtOnce});
         for (std::size_t i = 0; i < count; ++i) {
             const float frame[2] = {m_script->held.front().first, m_script->held.front().second};
             std::memcpy(lock.Bytes() + i * kFrameBytes, frame, kFrameBytes);

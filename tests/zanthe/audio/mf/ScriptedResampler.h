@@ -19,6 +19,7 @@ struct ResamplerScript {
     HRESULT outputResult = S_OK; // a failure is answered whatever is held
     // Frames that are kept back until there is more, or until it is drained.
     std::size_t delay = 0;
+    std::size_t mostAtOnce = SIZE_MAX; // frames that one pull gives
 
     // What was told: "begin", "end", "flush", "drain", "input".
     std::vector<std::string> messages;
@@ -26,7 +27,9 @@ struct ResamplerScript {
     com::ComPtr<IMFMediaType> outputType;
     std::deque<std::pair<float, float>> held;
     bool isDraining = false;
-    int outputs = 0; // pulls
+    int outputs = 0;                     // pulls
+    int infos = 0;                       // questions for the output stream
+    std::vector<std::size_t> inputBytes; // of each input
 };
 
 // As long as it lives, the system's resampler is a scripted one.

@@ -1,6 +1,7 @@
 #include "tests/zanthe/audio/mf/ScriptedSound.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <condition_variable>
 #include <cstring>
@@ -89,6 +90,9 @@ public:
         }
         const std::int64_t time = position.hVal.QuadPart;
         m_script->positions.push_back(time);
+        if (m_flushes > 0) {
+            return MF_E_INVALIDREQUEST;
+        }
         if (FAILED(m_script->positionResult)) {
             return m_script->positionResult;
         }
@@ -116,7 +120,12 @@ public:
         if (FAILED(m_script->flushResult)) {
             return m_script->flushResult;
         }
-        m_answerer.Do([this, stream] { m_callback->OnFlush(stream); });
+        ++m_flushes;
+        m_answerer.Do([this, stream] {
+            std::this_thread::yield();
+            --m_flushes;
+            m_callback->OnFlush(stream);
+        });
         return S_OK;
     }
 
@@ -167,8 +176,9 @@ private:
             return;
         }
         const SoundSample& sample = m_script->samples[m_next++];
-        const DWORD flags =
-            outcome == SoundOutcome::EndWithSample ? MF_SOURCE_READERF_ENDOFSTREAM : 0;
+        const DWORD flags = outcome == SoundOutcome::EndWithSample ? MF_SOURCE_READERF_ENDOFSTREAM
+                            : outcome == SoundOutcome::TickWithSample ? MF_SOURCE_READERF_STREAMTICK
+                                                                      : 0;
         m_callback->OnReadSample(S_OK, stream, flags, sample.time, MakeSample(sample).Get());
     }
 
@@ -199,7 +209,8 @@ private:
     Script m_script;
     com::ComPtr<IMFSourceReaderCallback> m_callback;
     std::size_t m_next = 0;
-    Answerer m_answerer; // last: its thread uses the others
+    std::atomic<int> m_flushes = 0; // asked for and not yet answered
+    Answerer m_answerer;            // last: its thread uses the others
 };
 
 // As a reader is made: asynchronous, or not at all.

@@ -22,6 +22,7 @@ enum class SoundOutcome {
     Refused,       // there is no answer: the request itself fails
     End,           // without a sample
     EndWithSample, // the last one, which says so
+    TickWithSample,
 };
 
 struct SoundSample {

@@ -15,13 +15,14 @@ namespace Zanthe {
 namespace {
 
 constexpr int kRate = 48000;
+constexpr float Audible = 0.01F; // what a lossy codec leaves of silence is less
 
 // Where sound begins behind silence of at least half a second.
 std::vector<std::int64_t> Beeps(const StereoSound& sound) {
     std::vector<std::int64_t> found;
     std::size_t silent = kRate;
     for (std::size_t i = 0; i < sound.Frames(); ++i) {
-        if (sound.left[i] == 0.0F) {
+        if (sound.left[i] < Audible) {
             ++silent;
             continue;
         }
@@ -65,7 +66,7 @@ TEST_P(FlashAndBeep, AreReadAtOneTime) {
 
 INSTANTIATE_TEST_SUITE_P(Made, FlashAndBeep,
                          testing::Values("flash-beep.mov", "flash-beep.mp4",
-                                         "flash-beep-bframes.mp4"),
+                                         "flash-beep-bframes.mp4", "flash-beep-aac.mp4"),
                          [](const auto& file) {
                              std::string name = file.param;
                              std::replace(name.begin(), name.end(), '-', '_');
