@@ -47,24 +47,6 @@ bool SetSide(SwrContext* context, const SoundFormat& format, bool input) {
            av_opt_set_sample_fmt(context, sample, format.sample, 0) >= 0;
 }
 
-// libswresample has filters for 1024 places between two samples, and interpolates where the rates
-// need more. Then a frame in some ten thousand depends on how the input is cut into pieces. With a
-// filter for each place none does; 0 where they are too many, or the usual ones do.
-int PlaceBitsFor(int from, int to) {
-    constexpr std::int64_t kUsualPlaces = 1024;
-    constexpr std::int64_t kMostTaps = std::int64_t{1} << 23; // of all filters: 32 MiB
-    const std::int64_t places = to / std::gcd(from, to);
-    const std::int64_t taps = 32 * std::max<std::int64_t>((from + to - 1) / to, 1);
-    if (places <= kUsualPlaces || places * taps > kMostTaps) {
-        return 0;
-    }
-    int bits = 0;
-    while ((std::int64_t{1} << bits) < places) {
-        ++bits;
-    }
-    return bits;
-}
-
 // Half the filter: 16 taps at the lower of the rates, with some to spare.
 std::int64_t ReachOf(int from, int to) {
     return from == to ? 0 : 64 * std::max<std::int64_t>((from + to - 1) / to, 1);
@@ -108,9 +90,6 @@ bool SoundConversion::Configure() {
     if (m_from.rate != m_to.rate || m_from.channels != m_to.channels) {
         // Integers would be mixed in integers, and more softly than others lest they overflow.
         av_opt_set_sample_fmt(context, "internal_sample_fmt", AV_SAMPLE_FMT_FLTP, 0);
-    }
-    if (const int bits = PlaceBitsFor(m_from.rate, m_to.rate); bits > 0) {
-        av_opt_set_int(context, "phase_shift", bits, 0);
     }
     return true;
 }
