@@ -38,6 +38,12 @@ public:
 
     std::optional<std::uint32_t> FirstOfDirectory() { return Number(48); }
 
+    // The entries before and behind the root, which is the first of the directory.
+    std::array<std::optional<std::uint32_t>, 2> BesideRoot() {
+        const std::uint32_t sector = FirstOfDirectory().value_or(kEndOfChain);
+        return {NumberIn(sector, 68 / 4), NumberIn(sector, 72 / 4)};
+    }
+
     std::uint32_t SectorBytes() const { return m_sectorBytes; }
 
     std::optional<std::uint32_t> Next(std::uint32_t sector) {
@@ -104,6 +110,12 @@ std::optional<std::uint32_t> CountDirectoryEntries(std::FILE* file, std::uint32_
     while (sector && *sector != kEndOfChain) {
         entries += perSector;
         sector = entries <= most ? chains.Next(*sector) : std::nullopt;
+    }
+    // libgsf reads those that stand beside the root, and never gives them back.
+    for (const auto& beside : chains.BesideRoot()) {
+        if (beside && *beside > 0 && *beside < entries) {
+            return std::nullopt;
+        }
     }
     return sector ? std::optional(entries) : std::nullopt;
 }

@@ -155,6 +155,7 @@ std::string SuperIndex(const std::string& code, const std::string& entries) {
 std::string WithOpenDmlIndexes(const std::vector<Track>& tracks) {
     // Places do not change the length of the headers, so a first round finds it.
     std::vector<std::string> supers;
+    supers.reserve(tracks.size());
     for (const Track& track : tracks) {
         supers.emplace_back((IndexesOf(track, 0) + IndexesOf(track, 1)) * 16, '\0');
     }

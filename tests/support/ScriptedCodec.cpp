@@ -14,9 +14,14 @@ std::string TextOf(const BITMAPINFOHEADER& format) {
            std::to_string(format.biHeight) + " (" + std::to_string(format.biSizeImage) + ')';
 }
 
+template <typename T>
+T& As(std::intptr_t parameter) {
+    return *reinterpret_cast<T*>(parameter); // NOLINT(performance-no-int-to-ptr)
+}
+
 std::string TextOf(LPARAM input, LPARAM output) {
-    return TextOf(*reinterpret_cast<const BITMAPINFOHEADER*>(input)) + " -> " +
-           TextOf(*reinterpret_cast<const BITMAPINFOHEADER*>(output));
+    return TextOf(As<const BITMAPINFOHEADER>(input)) + " -> " +
+           TextOf(As<const BITMAPINFOHEADER>(output));
 }
 
 } // namespace
@@ -35,12 +40,12 @@ ScriptedCodec::~ScriptedCodec() {
 
 LRESULT ScriptedCodec::Answer(DWORD_PTR id, HDRVR, UINT message, LPARAM first, LPARAM second) {
     if (message == DRV_OPEN) {
-        return Open(reinterpret_cast<const ICOPEN*>(second)->fccHandler);
+        return Open(As<const ICOPEN>(second).fccHandler);
     }
     if (id == 0) {
         return 1; // to be loaded or let go
     }
-    ScriptedCodec& codec = *reinterpret_cast<ScriptedCodec*>(id);
+    auto& codec = As<ScriptedCodec>(static_cast<LPARAM>(id));
     switch (message) {
     case DRV_CLOSE:
         codec.calls.emplace_back("close");
@@ -53,7 +58,7 @@ LRESULT ScriptedCodec::Answer(DWORD_PTR id, HDRVR, UINT message, LPARAM first, L
         codec.calls.emplace_back("end");
         return ICERR_OK;
     case ICM_DECOMPRESS:
-        return codec.Decompress(*reinterpret_cast<const ICDECOMPRESS*>(first));
+        return codec.Decompress(As<const ICDECOMPRESS>(first));
     default:
         return 1;
     }
@@ -68,10 +73,9 @@ LRESULT ScriptedCodec::Open(DWORD handler) {
 }
 
 LRESULT ScriptedCodec::Query(LPARAM first, LPARAM second) {
-    const auto& input = *reinterpret_cast<const BITMAPINFOHEADER*>(first);
-    const auto& output = *reinterpret_cast<const BITMAPINFOHEADER*>(second);
     calls.push_back("query " + TextOf(first, second));
-    return onQuery ? onQuery(input, output) : ICERR_OK;
+    return onQuery ? onQuery(As<const BITMAPINFOHEADER>(first), As<const BITMAPINFOHEADER>(second))
+                   : ICERR_OK;
 }
 
 LRESULT ScriptedCodec::Begin(LPARAM first, LPARAM second) {

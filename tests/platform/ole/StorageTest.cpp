@@ -300,6 +300,20 @@ TEST_F(Storage, HostileHeadersAreRefused) {
               STG_E_INVALIDHEADER);
 }
 
+// Nothing stands beside the root. What a file says does would be read and never given back.
+TEST_F(Storage, ARootWithNeighboursIsRefused) {
+    const std::string whole = ReadWholeFile(path);
+    const std::size_t root = (NumberAt(whole, 48) + 1ULL) * 512;
+    for (const std::size_t link : {68, 72}) {
+        ASSERT_EQ(NumberAt(whole, root + link), 0xFFFFFFFFU);
+        for (const std::uint32_t beside : {1U, 2U, 3U}) {
+            EXPECT_EQ(ResultOfOpening(folder.Write("beside", Patched(whole, root + link, beside))),
+                      STG_E_INVALIDHEADER);
+        }
+        EXPECT_EQ(ResultOfOpening(folder.Write("itself", Patched(whole, root + link, 0))), S_OK);
+    }
+}
+
 // Each link of each entry of the directory turned to each other entry, itself and the root among
 // them: what is opened then may hold anything, but walking it ends.
 TEST_F(Storage, EntriesThatLinkInCirclesEnd) {

@@ -189,6 +189,7 @@ struct Driver {
     static LRESULT Answer(DWORD_PTR id, HDRVR, UINT message, LPARAM, LPARAM second) {
         calls += std::to_string(message) + ':' + std::to_string(id) + ' ';
         if (message == DRV_OPEN) {
+            // NOLINTNEXTLINE(performance-no-int-to-ptr): as messages carry it
             const auto& request = *reinterpret_cast<const ICOPEN*>(second);
             EXPECT_EQ(request.dwSize, sizeof(ICOPEN));
             EXPECT_EQ(request.fccType, ICTYPE_VIDEO);
