@@ -37,7 +37,8 @@ std::unique_ptr<ConvertedSound> ConvertedSound::Create(SoundStream& stream, cons
 void ConvertedSound::Seek(std::int64_t frame) {
     constexpr std::int64_t kMost = std::int64_t{1} << 50;
     frame = std::clamp<std::int64_t>(frame, 0, kMost);
-    m_running = m_running && frame >= m_madeFrom && frame <= m_madeFrom + m_made.frames;
+    m_running = m_running && frame >= std::max(m_madeFrom, m_rightFrom) &&
+                frame <= m_madeFrom + m_made.frames;
     m_next = frame;
 }
 
@@ -46,6 +47,7 @@ bool ConvertedSound::Begin() {
     m_stream.Seek(start);
     m_made = {};
     m_madeFrom = m_conversion->OutputAt(start);
+    m_rightFrom = start == 0 ? 0 : m_next;
     m_finished = false;
     m_running = m_conversion->Restart();
     return m_running;

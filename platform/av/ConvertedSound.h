@@ -55,6 +55,7 @@ private:
     std::vector<std::uint8_t> m_planes;         // what it made, taken apart
     SoundBytes m_made;                          // given with the latest Read, or to be given
     std::int64_t m_madeFrom = 0;                // frame number of its first
+    std::int64_t m_rightFrom = 0;               // before it the filter had not heard enough
     std::int64_t m_next = 0;                    // the next to be given
     bool m_running = false;                     // the conversion leads there
     bool m_finished = false;                    // and has come to the end

@@ -48,6 +48,20 @@ TEST_P(Rates, RandomReadsEqualTheLinearRead) {
     }
 }
 
+// What a conversion gives before the frame that it was begun for is still held, and not yet right.
+TEST_P(Rates, AReadALittleBeforeTheLastOneIsTheSame) {
+    const Sound sound = Open();
+    const Frames whole = ReadFrames(*sound.converted, 0, kAll);
+    for (std::size_t from = 7777; from + 100 < whole.Count(); from += 11'111) {
+        for (const std::size_t back : {1, 3, 10, 40, 200}) {
+            ReadFrames(*sound.converted, static_cast<std::int64_t>(from), 10);
+            ASSERT_TRUE(ReadFrames(*sound.converted, static_cast<std::int64_t>(from - back), 10) ==
+                        whole.Slice(from - back, 10))
+                << from << " - " << back;
+        }
+    }
+}
+
 TEST_P(Rates, TheEndIsTheSameFromAnywhere) {
     const Sound sound = Open();
     const Frames whole = ReadFrames(*sound.converted, 0, kAll);
