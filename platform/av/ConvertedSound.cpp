@@ -47,7 +47,7 @@ bool ConvertedSound::Begin() {
     m_stream.Seek(start);
     m_made = {};
     m_madeFrom = m_conversion->OutputAt(start);
-    m_goodFrom = m_next;
+    m_goodFrom = start == 0 ? 0 : m_next;
     m_finished = false;
     m_running = m_conversion->Restart(start);
     return m_running;
