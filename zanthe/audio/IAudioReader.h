@@ -30,12 +30,15 @@ public:
     // A negative startFrame is no error; what lies before frame 0 reads as silence where the reader
     // does not say otherwise.
     //
-    // startFrame counts sample frames at the reader's output rate from the start of the file and
-    // may jump freely from call to call. Samples are floats at full scale 1.0, one plane a channel;
+    // startFrame counts sample frames at the reader's output rate: of MP3 and recordings from the
+    // start of the file's own time, of Media Foundation from the sound's first frame. It may jump
+    // freely from call to call. Samples are floats at full scale 1.0, one plane a channel;
     // each plane holds at least frameCount floats and stays the caller's.
     //
-    // Throws std::runtime_error when the file can no longer be read or decoded; which texts, each
-    // reader says. The next call starts afresh.
+    // The reader of MP3 throws std::runtime_error, with the texts that it states, when the file can
+    // no longer be read or decoded; its next call starts afresh. Those of Media Foundation and of
+    // recordings throw for lack of memory alone: where a file is damaged they answer silence in
+    // place of what is lost, or end there.
     virtual unsigned int FillAudioBuffer(std::int64_t startFrame, unsigned int frameCount,
                                          std::vector<float*>& channels) = 0;
 };
