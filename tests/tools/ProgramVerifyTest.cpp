@@ -54,12 +54,10 @@ TEST(ProgramVerify, SoundOfEveryKindIsTheSameInEveryOrder) {
           "sound/wma1-32000.wma", "sound/wma2-film.wmv", "sound/ac3-film.mts",
           "sound/aac-film.m2ts", "sound-exact/aac-doubled.m4a", "sound-exact/sound-late.mp4",
           "sound-exact/sound-longer.mp4", "sound-exact/edit-inside.m4a"}) {
-        for (const char* rate : {"44100", "16001"}) {
-            const ProgramEnd end =
-                RunProgram({"verify", "--audio", MadeMedia(file), "--rate", rate, "--seeks", "10"});
-            EXPECT_EQ(end.status, 0) << file << ' ' << rate << '\n' << end.out << end.err;
-            EXPECT_EQ(end.err, "") << file;
-        }
+        const ProgramEnd end =
+            RunProgram({"verify", "--audio", MadeMedia(file), "--rate", "16001", "--seeks", "10"});
+        EXPECT_EQ(end.status, 0) << file << '\n' << end.out << end.err;
+        EXPECT_EQ(end.err, "") << file;
     }
 }
 
