@@ -152,7 +152,7 @@ TEST_F(GifReader, HowOftenToPlay) {
 TEST_F(GifReader, TheFirstApplicationBlockIsTheOneThatCounts) {
     using namespace std::string_view_literals;
     const auto reader = Read(GifBytes(1, 1)
-                                 .Application("XMP DataXMP", "\1\11\0"sv)
+                                 .Application("XMP DataXMP", "\1\7\0"sv)
                                  .Application("NETSCAPE2.0", "\1\5\0"sv)
                                  .Frame(0, 0, 1, 1, 1)
                                  .Bytes());
