@@ -33,8 +33,16 @@ struct VideoFacts {
     std::optional<std::int64_t> duration = {}; // 100 ns, where the reader tells it
     bool tellsTimes = false;                   // every picture comes with its start and duration
     Alpha alpha = Alpha::None;
+
     std::optional<int> stream = {}; // the number of the stream that is read, where that is known
     std::string reader = {};        // what reads it, in a word or two
+
+    // Rotation and aspect are those of the very track that is read: they go before a reader's own
+    // word, which may be about another.
+    bool shapeIsOfTrack = false;
+
+    // Why there may be no picture at all, for a person; empty: not known.
+    std::string ifNone = {};
 
     // What a person ought to know of how it is shown, one line each, without a full stop.
     std::vector<std::string> remarks = {};

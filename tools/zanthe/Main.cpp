@@ -52,7 +52,9 @@ int Serve(const std::string& file, const std::function<void()>& run) {
     } catch (const std::bad_alloc&) {
         return EndWith(ExitRefused, file + ": out of memory");
     } catch (const std::exception& error) {
-        return EndWith(ExitRefused, file + ": " + error.what());
+        // The bare class says nothing more than its name.
+        const std::string text = error.what();
+        return EndWith(ExitRefused, file + ": " + (text == "std::exception" ? "is damaged" : text));
     } catch (const char* text) {
         // The graph side of the library throws its texts bare.
         return EndWith(ExitRefused, file + ": " + text);

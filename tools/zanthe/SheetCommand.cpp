@@ -165,7 +165,7 @@ void WriteSheet(IVideo& video, Zanthe::IAudioReader* sound, const SheetRequest& 
     const VideoFacts& facts = video.Facts();
     const std::int64_t duration = DurationOf(video);
     if (duration <= 0 || facts.width <= 0 || facts.height <= 0) {
-        throw CommandError(request.file, "holds no pictures");
+        throw CommandError(request.file, facts.ifNone.empty() ? "holds no pictures" : facts.ifNone);
     }
     OutputFile output(request.output);
     StandardProgress progress;
