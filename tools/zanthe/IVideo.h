@@ -34,6 +34,12 @@ struct VideoFacts {
     bool tellsTimes = false;                   // every picture comes with its start and duration
     Alpha alpha = Alpha::None;
 
+    // When each picture begins, in 100 ns, and when the last one ends, rising: where the file tells
+    // it and the reader does not. Empty: not known. The reader may give the last one for longer.
+    std::vector<std::int64_t> edges = {};
+
+    // The times that come with pictures are those that were asked for, and mean nothing.
+    bool echoesTimes = false;
     std::optional<int> stream = {}; // the number of the stream that is read, where that is known
     std::string reader = {};        // what reads it, in a word or two
 

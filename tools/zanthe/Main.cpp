@@ -23,7 +23,8 @@ constexpr int ExitUsage = 2;
 
 constexpr const char* ExitStatuses =
     "Exit status: 0 done, 1 the file or the request cannot be served (one line on stderr says\n"
-    "why), 2 wrong usage, 128 and the signal's number (130: Ctrl-C) when interrupted.";
+    "why), 2 wrong usage, 128 and the signal's number (130: Ctrl-C) when interrupted: at the next\n"
+    "good place, at a second signal at once, and after two seconds in any case.";
 
 int EndWith(int status, const std::string& text) {
     std::cerr << "zanthe: " << Program::OneLine(text) << '\n';

@@ -7,6 +7,7 @@
 
 #include "tools/zanthe/CommandError.h"
 #include "tools/zanthe/DecoderVideo.h"
+#include "tools/zanthe/GifTimes.h"
 #include "tools/zanthe/H264Video.h"
 #include "tools/zanthe/InputFile.h"
 #include "tools/zanthe/SampleReaderVideo.h"
@@ -125,6 +126,10 @@ std::string IfNone(const FileClassification& file, int stream) {
 VideoFacts FactsOf(const FileClassification& file, int stream, const VideoSampleReader& reader) {
     VideoFacts facts{.alpha = AlphaOf(file), .stream = stream, .reader = file.videoRoute.backend};
     facts.ifNone = IfNone(file, stream);
+    facts.echoesTimes = file.videoRoute.backend == "legacy recording decoder";
+    if (file.videoRoute.backend == "GIF decoder") {
+        facts.edges = GifTimes(file.path);
+    }
     RemarkLostTurn(file, facts);
     TellShape(file, stream, reader, facts);
     return facts;
