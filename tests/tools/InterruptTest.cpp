@@ -1,11 +1,16 @@
 #include "tools/zanthe/Interrupt.h"
 
 #include <csignal>
+#include <filesystem>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "tests/support/TemporaryFolder.h"
 
 using Program::CatchInterrupts;
 using Program::Interrupted;
+using Program::RemovedWhenEnded;
 using Program::StopCatchingInterrupts;
 using Program::ThrowIfInterrupted;
 
@@ -73,4 +78,38 @@ TEST_F(Interrupts, WhatIsIgnoredStaysIgnoredWhenCatchingEnds) {
     StopCatchingInterrupts();
     std::raise(SIGHUP);
     EXPECT_EQ(Caught(), 0);
+}
+
+TEST_F(Interrupts, ASecondSignalEndsTheProgramAtOnceAndTakesItsFilesAlong) {
+    const TemporaryFolder folder;
+    const std::string kept = folder.Write("kept", "x");
+    const std::string passing = folder.Write("passing", "x");
+    const auto end = [&] {
+        CatchInterrupts();
+        { const RemovedWhenEnded whole(kept); }
+        const RemovedWhenEnded half(passing);
+        std::raise(SIGINT);
+        std::raise(SIGTERM);
+    };
+    EXPECT_EXIT(end(), testing::ExitedWithCode(128 + SIGTERM), "");
+    EXPECT_TRUE(std::filesystem::exists(kept));
+    EXPECT_FALSE(std::filesystem::exists(passing));
+}
+
+TEST_F(Interrupts, ASignalThatNobodyHeedsEndsTheProgramAfterAWhile) {
+    const auto end = [] {
+        CatchInterrupts();
+        std::raise(SIGINT);
+        for (;;) { // asks for nothing, as work in one piece does
+            pause();
+        }
+    };
+    EXPECT_EXIT(end(), testing::ExitedWithCode(128 + SIGINT), "");
+}
+
+TEST_F(Interrupts, ASignalThatIsHeededHasNoGrace) {
+    CatchInterrupts();
+    std::raise(SIGINT);
+    EXPECT_EQ(Caught(), SIGINT);
+    EXPECT_EQ(alarm(0), 0U);
 }

@@ -163,9 +163,6 @@ TEST(ProgramRecordings, WithoutATrackTheFirstSoundIsTaken) {
     ASSERT_EQ(RunProgram({"audio", path, "--track", "3", "-o", folder / "3.wav"}).status, 0);
     EXPECT_EQ(ReadWholeFile(folder / "first.wav"), ReadWholeFile(folder / "1.wav"));
     EXPECT_NE(ReadWholeFile(folder / "first.wav"), ReadWholeFile(folder / "3.wav"));
-    const ProgramEnd none = RunProgram({"audio", path, "--track", "0", "-o", folder / "none.wav"});
-    EXPECT_EQ(none.status, 1);
-    EXPECT_EQ(none.err, "zanthe: " + path + ": holds no sound\n");
 }
 
 TEST(ProgramRecordings, TheAlphaOfAPngImageIsKept) {
@@ -190,18 +187,6 @@ TEST(ProgramRecordings, APngImageWithoutAlphaIsRefused) {
         EXPECT_EQ(end.status, 1);
         EXPECT_THAT(end.err, HasSubstr("PNGMOVVideoDecoder: Unexpected pixel format\n"));
     }
-}
-
-TEST(ProgramRecordings, ATrackOfSoundHasNoPictures) {
-    TemporaryFolder folder;
-    const std::string path = MadeMedia("rec-tracks.brec");
-    const ProgramEnd end =
-        RunProgram({"frame", path, "--stream", "1", "--at", "0", "-o", folder / "out.png"});
-    EXPECT_EQ(end.status, 1);
-    EXPECT_EQ(end.err, "zanthe: " + path + ": has no picture at 0 s\n");
-    const ProgramEnd none = RunProgram({"verify", "--video", path, "--stream", "9"});
-    EXPECT_EQ(none.status, 1);
-    EXPECT_EQ(none.err, "zanthe: " + path + ": holds no pictures\n");
 }
 
 TEST(ProgramRecordings, WhatIsNoRecordingIsToldInOneLine) {

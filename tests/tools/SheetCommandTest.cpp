@@ -87,13 +87,15 @@ TEST(WriteSheet, AVideoWithoutADurationIsMeasured) {
     TemporaryFolder folder;
     ScriptedVideo video({0, 5'000'000}, 10'000'000, false);
     SheetRequest request = Request(folder);
+    request.columns = request.rows = 1;
     request.json = true;
     std::ostringstream out;
     WriteSheet(video, nullptr, request, out);
     const auto json = nlohmann::json::parse(out.str());
-    EXPECT_EQ(json["pictures"].size(), 4U);
-    EXPECT_NEAR(json["pictures"][3]["asked_100ns"].get<double>(), 8'750'000, 100'000);
-    EXPECT_EQ(json["pictures"][3]["shown"], true);
+    ASSERT_EQ(json["pictures"].size(), 1U);
+    EXPECT_EQ(json["pictures"][0]["asked_100ns"], 5'000'000);
+    EXPECT_EQ(json["pictures"][0]["time_100ns"], 5'000'000);
+    EXPECT_EQ(json["pictures"][0]["shown"], true);
 }
 
 TEST(Suited, AVideoOfOnePictureGetsOneCell) {
@@ -108,18 +110,35 @@ TEST(Suited, AVideoOfOnePictureGetsOneCell) {
         EXPECT_EQ(Program::Suited(two, Request(folder)).columns, 2);
     }
     ScriptedVideo unknown({0}, 10'000'000, false);
-    EXPECT_EQ(Program::Suited(unknown, Request(folder)).columns, 2);
+    EXPECT_EQ(Program::Suited(unknown, Request(folder)).columns, 1);
+}
+
+TEST(Suited, AVideoOfFewPicturesGetsOneCellForEach) {
+    TemporaryFolder folder;
+    for (const bool tellsTimes : {false, true}) {
+        ScriptedVideo three({0, 1'234'567, 3'000'000}, 4'000'000, tellsTimes);
+        SheetRequest request = Request(folder);
+        request.rows = 5;
+        EXPECT_EQ(Program::Suited(three, request).columns, 2);
+        EXPECT_EQ(Program::Suited(three, request).rows, 2);
+        request.json = true;
+        std::ostringstream out;
+        WriteSheet(three, nullptr, request, out);
+        const auto pictures = nlohmann::json::parse(out.str())["pictures"];
+        ASSERT_EQ(pictures.size(), 3U);
+        EXPECT_EQ(pictures[1]["time_100ns"], 1'234'567) << tellsTimes;
+    }
 }
 
 TEST(WriteSheet, SaysHowManyCellsShowAPictureAndTheTimesOfTheirCaptions) {
     TemporaryFolder folder;
-    ScriptedVideo video({0, 2'000'000}, 10'000'000);
+    ScriptedVideo video({0, 2'000'000, 3'000'000, 6'000'000, 7'000'000}, 10'000'000);
     video.facts.duration = 20'000'000;
     const SheetRequest request = Request(folder);
     std::ostringstream out;
     WriteSheet(video, nullptr, request, out);
     EXPECT_EQ(out.str().substr(request.output.size()),
-              ": 216 x 116, 2 of 4 pictures from 0:00:00.200 to 0:00:00.200\n");
+              ": 216 x 116, 2 of 4 pictures from 0:00:00.200 to 0:00:00.700\n");
 }
 
 TEST(WriteSheet, AVideoWithoutPicturesIsRefused) {

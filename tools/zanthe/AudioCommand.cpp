@@ -11,6 +11,7 @@
 #include "tools/zanthe/OpenAudio.h"
 #include "tools/zanthe/OutputFile.h"
 #include "tools/zanthe/Progress.h"
+#include "tools/zanthe/SoundAbsence.h"
 #include "zanthe/audio/WavWriter.h"
 
 namespace Program {
@@ -44,6 +45,29 @@ void PrintLine(const AudioRequest& request, std::int64_t frames, std::ostream& o
     out << OneLine(line.str()) << '\n';
 }
 
+// The library's text is the same for a file without sound and for one that is not read.
+OpenedSound OpenSound(const AudioRequest& request) {
+    try {
+        return OpenAudio(
+            request.file,
+            {.track = request.track, .rate = request.rate, .recontainer = request.recontainer});
+    } catch (const CommandError&) {
+        RequireReadableFile(request.file);
+        if (!request.track && WhyNoSound(request.file).isSilent) {
+            throw CommandError(request.file, "has no sound");
+        }
+        throw;
+    }
+}
+
+// Of sound that was opened and gives nothing.
+std::string NothingText(const AudioRequest& request) {
+    if (request.start > 0) {
+        return "has no sound at frame " + std::to_string(request.start);
+    }
+    return !request.track && WhyNoSound(request.file).isSilent ? "has no sound" : "holds no sound";
+}
+
 } // namespace
 
 std::int64_t WriteSound(Zanthe::IAudioReader& reader, const AudioRequest& request,
@@ -63,9 +87,7 @@ std::int64_t WriteSound(Zanthe::IAudioReader& reader, const AudioRequest& reques
     const std::int64_t frames =
         ReadSound(reader, request.start, wanted, SpanFrames(request.rate), take);
     if (frames == 0 && wanted > 0) {
-        throw CommandError(request.file, request.start == 0 ? "holds no sound"
-                                                            : "has no sound at frame " +
-                                                                  std::to_string(request.start));
+        throw CommandError(request.file, NothingText(request));
     }
     if (!writer.Finish()) {
         throw CommandError(request.output, "could not be written whole");
@@ -74,8 +96,7 @@ std::int64_t WriteSound(Zanthe::IAudioReader& reader, const AudioRequest& reques
 }
 
 void RunAudio(const AudioRequest& asked, std::ostream& out) {
-    const OpenedSound sound = OpenAudio(
-        asked.file, {.track = asked.track, .rate = asked.rate, .recontainer = asked.recontainer});
+    const OpenedSound sound = OpenSound(asked);
     AudioRequest request = asked;
     request.rate = sound.rate;
     RequireOtherFile(request.file, request.output);

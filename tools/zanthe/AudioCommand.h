@@ -17,7 +17,7 @@ struct AudioRequest {
     std::int64_t start = 0;             // first frame, counted at the rate of the sound
     std::optional<std::int64_t> frames; // at that rate; none: to the end of the sound
     int rate = 44100;                   // Hz; a backend with a rate of its own goes before
-    int track = -1;                     // -1: the first
+    std::optional<int> track = {};      // of a recording; none: the first of sound
     bool recontainer = false;           // AAC in MP4 by way of a copy of its track
     bool isFloat = false;
     bool json = false;

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "tools/zanthe/CommandError.h"
+#include "tools/zanthe/FileContents.h"
 #include "tools/zanthe/JsonLine.h"
 #include "tools/zanthe/MembersReport.h"
 
@@ -277,7 +278,8 @@ void PrintLines(const FileClassification& file, std::ostream& out) {
         PrintRow("container", file.parsed.container, out);
         PrintRow("member", MemberText(file.parsed), out);
     }
-    PrintRow("contents", file.contents.empty() ? "unknown" : file.contents, out);
+    const std::string contents = ContentsOf(file);
+    PrintRow("contents", contents.empty() ? "unknown" : contents, out);
     PrintRow("subtype", file.subtype + " (by " + file.subtypeSource + ')', out);
     PrintRow("source filter", file.sourceFilter + ' ' + file.sourceFilterId, out);
     if (!file.preferredFilters.empty()) {
@@ -295,7 +297,7 @@ void PrintJson(const FileClassification& file, std::ostream& out) {
     PrintJsonLine({{"command", "classify"},
                    {"file", file.path},
                    {"path", JsonOf(file.parsed)},
-                   {"contents", file.contents},
+                   {"contents", ContentsOf(file)},
                    {"subtype", {{"name", file.subtype}, {"told_by", file.subtypeSource}}},
                    {"source_filter", {{"name", file.sourceFilter}, {"id", file.sourceFilterId}}},
                    {"preferred_filters", file.preferredFilters},

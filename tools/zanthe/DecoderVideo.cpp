@@ -1,6 +1,8 @@
 #include "tools/zanthe/DecoderVideo.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 #include "tools/zanthe/TimeText.h"
@@ -12,6 +14,13 @@ namespace {
 
 // No time, and none that a decoder leaves behind: what is still there it has not written.
 constexpr double Untold = -2.0;
+
+// Before the first picture that is shown, and behind the last that one.
+std::int64_t StartByEdges(const std::vector<std::int64_t>& edges, std::int64_t units) {
+    const auto last = std::prev(edges.end(), 2);
+    const auto behind = std::upper_bound(edges.begin(), last, units);
+    return *behind > units && behind != edges.begin() ? *std::prev(behind) : *behind;
+}
 
 } // namespace
 
@@ -39,7 +48,9 @@ std::optional<Picture> DecoderVideo::At(const Zanthe::MediaTime& time) {
         return std::nullopt;
     }
     Picture picture{.sample = std::make_unique<Zanthe::BitmapVideoSample>(m_bitmap)};
-    if (m_actualTime >= 0 && m_actualTime < 1e9) {
+    if (!m_facts.edges.empty()) {
+        picture.start = StartByEdges(m_facts.edges, WholeUnits(time));
+    } else if (!m_facts.echoesTimes && m_actualTime >= 0 && m_actualTime < 1e9) {
         picture.start = std::llround(m_actualTime * static_cast<double>(UnitsPerSecond));
     }
     return picture;

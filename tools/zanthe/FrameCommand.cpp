@@ -42,7 +42,8 @@ std::string AskedText(const FrameRequest& request, std::size_t index) {
 }
 
 std::string RefusalText(IVideo& video, const FrameRequest& request, std::size_t index) {
-    const std::string end = DescribeEnd(video);
+    const std::string described = DescribeEnd(video);
+    const std::string& end = described.empty() ? video.Facts().ifNone : described;
     return "has no picture at " + AskedText(request, index) + (end.empty() ? "" : ": " + end);
 }
 
@@ -115,7 +116,7 @@ void PrintJson(const FrameRequest& request, const VideoFacts& facts,
     }
     PrintJsonLine({{"command", "frame"},
                    {"file", request.file},
-                   {"stream", facts.stream.value_or(request.choice.stream)},
+                   {"stream", facts.stream.value_or(request.choice.stream.value_or(0))},
                    {"format", static_cast<int>(request.choice.format)},
                    {"video", JsonOf(facts)},
                    {"as_stored", request.asStored},

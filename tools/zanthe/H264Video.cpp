@@ -70,9 +70,11 @@ H264Video::H264Video(std::unique_ptr<Zanthe::WinH264SampleReader> reader, const 
     const Zanthe::NativeMediaTypeInfo& type = m_reader->nativeMediaTypeInfo();
     m_facts.width = m_reader->outputWidth();
     m_facts.height = m_reader->outputHeight();
-    m_facts.rotation = type.rotation;
-    m_facts.aspectNumerator = type.pixelAspectRatioNumerator;
-    m_facts.aspectDenominator = type.pixelAspectRatioDenominator;
+    if (!m_facts.shapeIsOfTrack) {
+        m_facts.rotation = type.rotation;
+        m_facts.aspectNumerator = type.pixelAspectRatioNumerator;
+        m_facts.aspectDenominator = type.pixelAspectRatioDenominator;
+    }
     m_facts.duration = m_reader->StreamDuration();
     m_facts.tellsTimes = true;
     m_facts.alpha = Alpha::None;

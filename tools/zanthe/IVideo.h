@@ -33,8 +33,22 @@ struct VideoFacts {
     std::optional<std::int64_t> duration = {}; // 100 ns, where the reader tells it
     bool tellsTimes = false;                   // every picture comes with its start and duration
     Alpha alpha = Alpha::None;
+
+    // When each picture begins, in 100 ns, and when the last one ends, rising: where the file tells
+    // it and the reader does not. Empty: not known. The reader may give the last one for longer.
+    std::vector<std::int64_t> edges = {};
+
+    // The times that come with pictures are those that were asked for, and mean nothing.
+    bool echoesTimes = false;
     std::optional<int> stream = {}; // the number of the stream that is read, where that is known
     std::string reader = {};        // what reads it, in a word or two
+
+    // Rotation and aspect are those of the very track that is read: they go before a reader's own
+    // word, which may be about another.
+    bool shapeIsOfTrack = false;
+
+    // Why there may be no picture at all, for a person; empty: not known.
+    std::string ifNone = {};
 
     // What a person ought to know of how it is shown, one line each, without a full stop.
     std::vector<std::string> remarks = {};

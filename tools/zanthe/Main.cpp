@@ -23,7 +23,8 @@ constexpr int ExitUsage = 2;
 
 constexpr const char* ExitStatuses =
     "Exit status: 0 done, 1 the file or the request cannot be served (one line on stderr says\n"
-    "why), 2 wrong usage, 128 and the signal's number (130: Ctrl-C) when interrupted.";
+    "why), 2 wrong usage, 128 and the signal's number (130: Ctrl-C) when interrupted: at the next\n"
+    "good place, at a second signal at once, and after two seconds in any case.";
 
 int EndWith(int status, const std::string& text) {
     std::cerr << "zanthe: " << Program::OneLine(text) << '\n';
@@ -52,7 +53,9 @@ int Serve(const std::string& file, const std::function<void()>& run) {
     } catch (const std::bad_alloc&) {
         return EndWith(ExitRefused, file + ": out of memory");
     } catch (const std::exception& error) {
-        return EndWith(ExitRefused, file + ": " + error.what());
+        // The bare class says nothing more than its name.
+        const std::string text = error.what();
+        return EndWith(ExitRefused, file + ": " + (text == "std::exception" ? "is damaged" : text));
     } catch (const char* text) {
         // The graph side of the library throws its texts bare.
         return EndWith(ExitRefused, file + ": " + text);

@@ -1,9 +1,8 @@
 #include "tools/zanthe/OpenAudio.h"
 
-#include <algorithm>
-
 #include "tools/zanthe/CommandError.h"
 #include "tools/zanthe/InputFile.h"
+#include "tools/zanthe/TrackChoice.h"
 #include "zanthe/analysis/FileClassification.h"
 #include "zanthe/audio/AudioMediaReaderFactory.h"
 #include "zanthe/core/TextException.h"
@@ -22,11 +21,10 @@ int RateOf(const FileClassification& file, int asked) {
     return backend == "recording" || backend == "DirectShow" ? FixedRate : asked;
 }
 
-// 0 where there is none: the reader then has nothing to give.
-int FirstTrackOfSound(const FileClassification& file) {
-    const auto isSound = [](const auto& stream) { return stream.kind == "audio"; };
-    const auto found = std::find_if(file.streams.begin(), file.streams.end(), isSound);
-    return found != file.streams.end() ? static_cast<int>(found - file.streams.begin()) : 0;
+// Recordings alone have tracks to choose from; of what names itself one, the sound may be none.
+int TrackOf(const FileClassification& file, std::optional<int> asked) {
+    return file.audioRoute.backend == "recording" ? ChooseTrack(file, TrackKind::Sound, asked)
+                                                  : asked.value_or(0);
 }
 
 } // namespace
@@ -35,10 +33,11 @@ OpenedSound OpenAudio(const std::string& path, const AudioChoice& choice) {
     RequireReadableFile(path);
     try {
         const FileClassification file = Zanthe::ClassifyFile(path);
-        const int track = choice.track >= 0 ? choice.track : FirstTrackOfSound(file);
-        return {Zanthe::AudioMediaReaderFactory(path, track, choice.rate)
+        return {Zanthe::AudioMediaReaderFactory(path, TrackOf(file, choice.track), choice.rate)
                     .Create_AudioMediaReader(choice.recontainer),
                 RateOf(file, choice.rate)};
+    } catch (const CommandError&) {
+        throw;
     } catch (const Zanthe::TextException& error) {
         // The backend that takes this kind of file, not the file, is what the text speaks of.
         throw CommandError(path, std::string("no reader for its sound: ") + error.what());

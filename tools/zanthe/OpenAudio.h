@@ -1,6 +1,7 @@
 // The one place of the program that knows which reader a file's sound is read with.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include <boost/shared_ptr.hpp>
@@ -10,8 +11,9 @@
 namespace Program {
 
 struct AudioChoice {
-    int track = -1;   // of a recording, all its tracks counted from 0; -1: the first of sound
-    int rate = 44100; // Hz
+    // Of a recording, all its tracks counted from 0; nothing: the first of sound.
+    std::optional<int> track = {};
+    int rate = 44100;         // Hz
     bool recontainer = false; // AAC in MP4 by way of a copy of its track
 };
 
@@ -25,7 +27,7 @@ struct OpenedSound {
 //
 // Throws CommandError when the file cannot be read (see InputFile.h), "no reader for its sound: "
 // and the library's text when no backend can be made for this kind of file, or that text alone when
-// the file's reader refuses it.
+// the file's reader refuses it; what ChooseTrack says where the track that is chosen has no sound.
 OpenedSound OpenAudio(const std::string& path, const AudioChoice& choice);
 
 } // namespace Program

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "tools/zanthe/IVideo.h"
@@ -11,7 +12,9 @@
 namespace Program {
 
 struct VideoChoice {
-    int stream = 0; // number of the video stream, where the reader looks at it
+    // Number of the stream, all of them counted from 0, where the reader looks at it; nothing: the
+    // first of pictures.
+    std::optional<int> stream = {};
     Zanthe::DecoderOutputFormat format = Zanthe::DecoderOutputFormat::DeviceArgb32;
 };
 
@@ -19,7 +22,9 @@ struct VideoChoice {
 //
 // Throws CommandError when the file cannot be read (see InputFile.h), or "no reader for its
 // pictures: " and the reason when the library has none for it or its reader refuses it, with what
-// the classification adds: that this build has no such reader, that name and contents contradict.
+// the classification adds: that this build has no such reader, that name and contents contradict;
+// "has no pictures" for a recording of sound alone; what ChooseTrack says where the stream that is
+// chosen holds no pictures.
 std::unique_ptr<IVideo> OpenVideo(const std::string& path, const VideoChoice& choice);
 
 // The same over a reader that is open.

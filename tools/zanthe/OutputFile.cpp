@@ -14,7 +14,6 @@
 #include <unistd.h>
 
 #include "tools/zanthe/CommandError.h"
-#include "tools/zanthe/Interrupt.h"
 
 namespace Program {
 
@@ -163,11 +162,13 @@ OutputFile::OutputFile(const std::string& target)
     : m_name(target.empty() ? "\"\"" : target) {
     if (IsStandardOutput(target)) {
         m_temporary = MakeFreshForStandardOutput(m_name);
+        m_removed.emplace(m_temporary);
         return;
     }
     m_target = BehindLinks(target);
     const mode_t permissions = PermissionsFor(m_name, m_target);
     m_temporary = MakeFresh(m_name, FolderOf(m_name, m_target), permissions);
+    m_removed.emplace(m_temporary);
 }
 
 OutputFile::~OutputFile() {
@@ -185,6 +186,7 @@ void OutputFile::Commit() {
         Refuse(m_name, errno);
     }
     m_temporary.clear();
+    m_removed.reset();
 }
 
 std::ostream& ReportStream(const std::string& target, std::ostream& out) {

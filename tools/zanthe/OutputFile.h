@@ -6,8 +6,11 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <ostream>
 #include <string>
+
+#include "tools/zanthe/Interrupt.h"
 
 namespace Program {
 
@@ -25,7 +28,8 @@ public:
     explicit OutputFile(const std::string& target);
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
-    // Without a Commit before, the temporary file goes and the target is what it was.
+    // Without a Commit before, the temporary file goes and the target is what it was; also when a
+    // signal ends the program at once.
     ~OutputFile();
 
     const std::string& TemporaryPath() const { return m_temporary; }
@@ -42,6 +46,7 @@ private:
     std::string m_name;             // the target as the user wrote it, for messages
     std::filesystem::path m_target; // empty: standard output
     std::string m_temporary;        // empty after Commit
+    std::optional<RemovedWhenEnded> m_removed;
 };
 
 // Where to report on writing `target`: `out`, which is the program's standard output, or standard

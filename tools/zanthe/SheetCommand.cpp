@@ -13,6 +13,7 @@
 #include "tools/zanthe/OpenAudio.h"
 #include "tools/zanthe/OutputFile.h"
 #include "tools/zanthe/PictureFile.h"
+#include "tools/zanthe/PictureStart.h"
 #include "tools/zanthe/Progress.h"
 #include "tools/zanthe/SheetLayout.h"
 #include "tools/zanthe/TimeText.h"
@@ -57,7 +58,7 @@ SheetPicture DrawCell(Canvas& canvas, IVideo& video, const SheetCell& cell, std:
     SheetPicture shown{.asked = time};
     if (const std::optional<Picture> picture = video.At(TimeOfUnits(time))) {
         canvas.DrawPicture(*AsShown(LockedPixels(*picture->sample), video.Facts()), cell.picture);
-        shown.start = picture->start;
+        shown.start = StartOf(video, *picture, time);
         shown.shown = true;
     } else {
         canvas.FillArea(cell.picture, Empty);
@@ -150,6 +151,12 @@ void Print(const SheetRequest& request, const VideoFacts& facts, const Plan& pla
                   out);
 }
 
+// Each picture once where there are no more of them than cells, the rest of which stay empty.
+std::vector<std::int64_t> TimesOfCells(IVideo& video, std::int64_t duration, std::size_t cells) {
+    std::vector<std::int64_t> times = StartsOfFew(video, duration, cells);
+    return times.empty() ? SheetTimes(duration, cells) : times;
+}
+
 std::int64_t DurationOf(IVideo& video) {
     const auto told = video.Facts().duration;
     if (told && *told > 0) {
@@ -165,7 +172,7 @@ void WriteSheet(IVideo& video, Zanthe::IAudioReader* sound, const SheetRequest& 
     const VideoFacts& facts = video.Facts();
     const std::int64_t duration = DurationOf(video);
     if (duration <= 0 || facts.width <= 0 || facts.height <= 0) {
-        throw CommandError(request.file, "holds no pictures");
+        throw CommandError(request.file, facts.ifNone.empty() ? "holds no pictures" : facts.ifNone);
     }
     OutputFile output(request.output);
     StandardProgress progress;
@@ -175,7 +182,7 @@ void WriteSheet(IVideo& video, Zanthe::IAudioReader* sound, const SheetRequest& 
     canvas.DrawText(Drawable(TitleOf(request, facts, duration)), layout.title, Canvas::Align::Left,
                     TitleLetters, Bright);
     std::vector<SheetPicture> pictures;
-    const std::vector<std::int64_t> times = SheetTimes(duration, layout.cells.size());
+    const std::vector<std::int64_t> times = TimesOfCells(video, duration, layout.cells.size());
     for (std::size_t i = 0; i < times.size(); ++i) {
         ThrowIfInterrupted();
         progress.Show("picture " + std::to_string(i + 1) + " of " + std::to_string(times.size()));
@@ -191,15 +198,12 @@ void WriteSheet(IVideo& video, Zanthe::IAudioReader* sound, const SheetRequest& 
 
 SheetRequest Suited(IVideo& video, const SheetRequest& request) {
     SheetRequest suited = request;
-    const std::int64_t end = video.Facts().duration.value_or(0);
-    if (!video.Facts().tellsTimes || end <= 0) {
-        return suited;
-    }
-    const std::optional<Picture> last = video.At(TimeOfUnits(end));
-    const std::optional<Picture> first = video.At(TimeOfUnits(0));
-    if (first &&
-        (last ? last->start == first->start : *first->start + *first->duration >= end - 1)) {
-        suited.columns = suited.rows = 1;
+    const auto cells =
+        static_cast<std::size_t>(request.columns) * static_cast<std::size_t>(request.rows);
+    const auto pictures = static_cast<int>(StartsOfFew(video, DurationOf(video), cells).size());
+    if (pictures > 0) {
+        suited.columns = std::min(request.columns, pictures);
+        suited.rows = (pictures + suited.columns - 1) / suited.columns;
     }
     return suited;
 }

@@ -25,7 +25,7 @@ struct SheetRequest {
 // library's text when reading fails, Interrupted. In each case the output is what it was before.
 void RunSheet(const SheetRequest& request, std::ostream& out);
 
-// The request as it suits the video: a single cell for one that has a single picture.
+// The request as it suits the video: no more cells than it has pictures, but for the last row.
 SheetRequest Suited(IVideo& video, const SheetRequest& request);
 
 // The same over a video that is open, and over its sound, which may be null: with sound a strip

@@ -88,7 +88,9 @@ Part VerifyVideo(const VerifySources& sources, const VerifyRequest& request, std
                            });
     report.video = verifier.Run();
     if (report.video.pictures == 0 && report.video.Equal()) {
-        throw CommandError(request.file, "holds no pictures");
+        const std::string& why = report.facts.ifNone;
+        throw CommandError(request.file, why.empty() ? "holds no pictures"
+                                                     : "no reader for its pictures: " + why);
     }
     return PartOf(report, report.video.Reads(), report.video.Differences());
 }

@@ -28,8 +28,7 @@ std::optional<std::int64_t> SearchEnd(IVideo& video) {
     if (none <= 0) {
         return std::nullopt;
     }
-    const std::int64_t shown = std::max<std::int64_t>(none - VideoTimeline::Step, 0);
-    const auto end = EndOfPictureAt(video, shown);
+    const auto end = EndOfPictureAt(video, none - 1);
     return end ? end : none;
 }
 

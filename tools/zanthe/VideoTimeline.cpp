@@ -61,16 +61,33 @@ VideoTimeline ReadTold(IVideo& video, const WatchTime& watch) {
     return timeline;
 }
 
+bool Shows(IVideo& video, std::int64_t time, const WatchTime& watch) {
+    Look(watch, time);
+    return video.At(TimeOfUnits(time)).has_value();
+}
+
+// The first unit without a picture, between a time with one and a time without.
+std::int64_t EndBetween(IVideo& video, std::int64_t shown, std::int64_t none,
+                        const WatchTime& watch) {
+    while (none - shown > 1) {
+        const std::int64_t middle = shown + (none - shown) / 2;
+        (Shows(video, middle, watch) ? shown : none) = middle;
+    }
+    return none;
+}
+
 VideoTimeline ReadBySteps(IVideo& video, const WatchTime& watch) {
     VideoTimeline timeline;
     timeline.step = VideoTimeline::Step;
     timeline.standsStill = true;
+    std::optional<std::int64_t> none;
     std::vector<TimelinePicture>& pictures = timeline.pictures;
     for (std::int64_t time = 0; time < LongestVideo; time += timeline.step) {
         Look(watch, time);
         const std::optional<Picture> picture = video.At(TimeOfUnits(time));
         if (!picture) {
             timeline.standsStill = false;
+            none = time;
             break;
         }
         const std::uint64_t hash = HashOf(*picture);
@@ -83,6 +100,30 @@ VideoTimeline ReadBySteps(IVideo& video, const WatchTime& watch) {
         if (time - pictures.back().first >= VideoTimeline::StandsStill) {
             break;
         }
+    }
+    if (none && *none > 0) {
+        timeline.picturesEnd = EndBetween(video, *none - timeline.step, *none, watch);
+    }
+    return timeline;
+}
+
+// Once each, at its begin; between two of them there is no other.
+VideoTimeline ReadByEdges(IVideo& video, const WatchTime& watch) {
+    const std::vector<std::int64_t>& edges = video.Facts().edges;
+    VideoTimeline timeline;
+    timeline.standsStill = true;
+    for (std::size_t i = 0; i + 1 < edges.size(); ++i) {
+        Look(watch, edges[i]);
+        const std::optional<Picture> picture = video.At(TimeOfUnits(edges[i]));
+        if (!picture) {
+            timeline.standsStill = false;
+            break;
+        }
+        timeline.pictures.push_back({.first = edges[i],
+                                     .last = edges[i + 1] - 1,
+                                     .start = edges[i],
+                                     .hash = HashOf(*picture)});
+        timeline.end = timeline.picturesEnd = edges[i + 1];
     }
     return timeline;
 }
@@ -100,6 +141,9 @@ std::optional<std::size_t> VideoTimeline::PictureAt(std::int64_t units) const {
 }
 
 VideoTimeline ReadTimeline(IVideo& video, const WatchTime& watch) {
+    if (!video.Facts().edges.empty()) {
+        return ReadByEdges(video, watch);
+    }
     return video.Facts().tellsTimes ? ReadTold(video, watch) : ReadBySteps(video, watch);
 }
 
@@ -108,16 +152,15 @@ std::uint64_t HashOf(const Picture& picture) {
 }
 
 std::int64_t FindEnd(IVideo& video, const WatchTime& watch) {
-    const auto shows = [&](std::int64_t time) {
-        Look(watch, time);
-        return video.At(TimeOfUnits(time)).has_value();
-    };
-    if (!shows(0)) {
+    if (!video.Facts().edges.empty()) {
+        return video.Facts().edges.back();
+    }
+    if (!Shows(video, 0, watch)) {
         return 0;
     }
     std::int64_t shown = 0;
     std::int64_t none = UnitsPerSecond;
-    while (shows(none)) {
+    while (Shows(video, none, watch)) {
         shown = none;
         none *= 2;
         if (none > LongestVideo) {
@@ -125,11 +168,7 @@ std::int64_t FindEnd(IVideo& video, const WatchTime& watch) {
             return timeline.pictures.back().first + VideoTimeline::Step;
         }
     }
-    while (none - shown > VideoTimeline::Step) {
-        const std::int64_t middle = shown + (none - shown) / 2;
-        (shows(middle) ? shown : none) = middle;
-    }
-    return none;
+    return EndBetween(video, shown, none, watch);
 }
 
 } // namespace Program

@@ -61,8 +61,9 @@ VideoTimeline ReadTimeline(IVideo& video, const WatchTime& watch = {});
 // The hash of a picture's pixels (PictureHash.h).
 std::uint64_t HashOf(const Picture& picture);
 
-// A time behind the last picture, found without reading them all where the video has an end; of one
-// that stands on its last picture, the time when that appears and a step.
+// The first time behind the last picture, found without reading them all where the video has an end
+// or its file tells one; of any other that stands on its last picture, the time when that appears
+// and a step.
 std::int64_t FindEnd(IVideo& video, const WatchTime& watch = {});
 
 } // namespace Program

@@ -18,8 +18,8 @@ void AddCount(CLI::App& command, const std::string& name, int& count, const std:
 
 void Declare(CLI::App& command, BenchRequest& request) {
     AddFile(command, request.file,
-            "The file to read; a \"!\" and a member's name behind it choose a stream of a "
-            "recording");
+            "The file to read; the pictures of a legacy recording are named as "
+            "a.orirec!Screen_Stream.avi");
     AddCount(command, "--openings", request.plan.openings, "How often the file is opened");
     AddCount(command, "--sequential", request.plan.sequential,
              "Pictures to read from the start on");

@@ -45,11 +45,13 @@ void AddRecontainer(CLI::App& command, bool& recontainer) {
 
 void AddStreamAndFormat(CLI::App& command, VideoChoice& choice) {
     command
-        .add_option("--stream", choice.stream,
-                    "Number of the video stream, counted from 0, for files whose reader can choose")
+        .add_option(
+            "--stream", choice.stream,
+            "Number of the stream of a recording, or of PNG images in a QuickTime file, counted "
+            "from 0 over streams of any kind (default: the first of pictures); of other "
+            "files the first of pictures is read, whatever is given")
         ->type_name("N")
-        ->transform(WholeNumber(0, std::numeric_limits<int>::max()))
-        ->capture_default_str();
+        ->transform(WholeNumber(0, std::numeric_limits<int>::max()));
     command
         .add_option_function<int>(
             "--format",

@@ -28,8 +28,8 @@ public:
 
 void Declare(CLI::App& command, FrameRequest& request) {
     AddFile(command, request.file,
-            "The file to read; a \"!\" and a member's name behind it choose a stream of a "
-            "recording");
+            "The file to read; the pictures of a legacy recording are named as "
+            "a.orirec!Screen_Stream.avi");
     command
         .add_option_function<std::string>(
             "--at",

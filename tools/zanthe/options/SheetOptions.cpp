@@ -6,8 +6,8 @@ namespace Program {
 void Declare(CLI::App& command, SheetRequest& request) {
     constexpr int most = 20;
     AddFile(command, request.file,
-            "The file to read; a \"!\" and a member's name behind it choose a stream of a "
-            "recording");
+            "The file to read; the pictures of a legacy recording are named as "
+            "a.orirec!Screen_Stream.avi");
     command.add_option("--columns", request.columns, "Pictures in a row, 1 to 20")
         ->type_name("N")
         ->transform(WholeNumber(1, most))
