@@ -58,8 +58,8 @@ private:
     const FileFacts m_file;
     const PictureCache::Owner m_owner;
 
-    std::int64_t m_next; // the time that the next Read is for
-    PicturePtr m_last;   // what Read gave last
+    std::int64_t m_next;     // the time that the next Read is for
+    PicturePtr m_last;       // what Read gave last
     bool m_wentBack = false; // what Read gave last lies before what it gave ahead of that
     bool m_gaveOut = false;
     std::deque<std::int64_t> m_trail;       // starts of the pictures kept while reading on

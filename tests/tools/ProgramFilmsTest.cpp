@@ -17,7 +17,7 @@ using ::testing::HasSubstr;
 
 namespace {
 
-nlohmann::json Run(const std::vector<std::string>& arguments) {
+nlohmann::json RunForJson(const std::vector<std::string>& arguments) {
     const ProgramEnd end = RunProgram(arguments);
     EXPECT_EQ(end.status, 0) << end.err;
     return nlohmann::json::parse(end.out);
@@ -81,17 +81,17 @@ TEST(ProgramFilms, AGifIsAsLongAsItsDelays) {
     TemporaryFolder folder;
     // The third stays for longer than any search for an end would wait.
     const std::string path = folder.Write("a.gif", Gif({20, 0, 2000, 5}));
-    const auto found = Run({"verify", path, "--video", "--json"});
+    const auto found = RunForJson({"verify", path, "--video", "--json"});
     EXPECT_EQ(found["video"]["pictures"], 4);
     EXPECT_EQ(found["video"]["seconds"], 20.35);
     EXPECT_EQ(found["differences"], 0);
-    EXPECT_EQ(TimesOfSheet(Run({"sheet", path, "--json", "-o", folder / "out.png"})),
+    EXPECT_EQ(TimesOfSheet(RunForJson({"sheet", path, "--json", "-o", folder / "out.png"})),
               (std::vector<std::int64_t>{0, 2'000'000, 3'000'000, 203'000'000}));
-    EXPECT_EQ(Run({"frame", path, "--at", "20.31", "--json", "-o",
-                   folder / "out.png"})["frames"][0]["time_100ns"],
+    EXPECT_EQ(RunForJson({"frame", path, "--at", "20.31", "--json", "-o",
+                          folder / "out.png"})["frames"][0]["time_100ns"],
               203'000'000);
-    EXPECT_EQ(Run({"frame", path, "--at", "100", "--json", "-o",
-                   folder / "out.png"})["frames"][0]["time_100ns"],
+    EXPECT_EQ(RunForJson({"frame", path, "--at", "100", "--json", "-o",
+                          folder / "out.png"})["frames"][0]["time_100ns"],
               203'000'000)
         << "the last one stays";
 }
@@ -100,21 +100,22 @@ TEST(ProgramFilms, AGifOfOnePictureIsAsLongAsThat) {
     TemporaryFolder folder;
     const std::string path = folder.Write("a.gif", Gif({7}));
     EXPECT_THAT(RunProgram({"verify", path, "--video"}).out, HasSubstr(": 1 picture (0.070 s) of"));
-    EXPECT_EQ(Run({"sheet", path, "--json", "-o", folder / "out.png"})["pictures"].size(), 1U);
+    EXPECT_EQ(RunForJson({"sheet", path, "--json", "-o", folder / "out.png"})["pictures"].size(),
+              1U);
 }
 
 TEST(ProgramFilms, ASheetOfManyPicturesTellsWhenTheyBegin) {
     TemporaryFolder folder;
     const std::string path = folder.Write("a.gif", Gif(std::vector<int>(40, 10)));
-    const auto times = TimesOfSheet(
-        Run({"sheet", path, "--columns", "2", "--rows", "2", "--json", "-o", folder / "out.png"}));
+    const auto times = TimesOfSheet(RunForJson(
+        {"sheet", path, "--columns", "2", "--rows", "2", "--json", "-o", folder / "out.png"}));
     EXPECT_EQ(times, (std::vector<std::int64_t>{5'000'000, 15'000'000, 25'000'000, 35'000'000}));
 }
 
 TEST(ProgramFilms, ASheetShowsEachPngImageOnce) {
     TemporaryFolder folder;
     const auto sheet =
-        Run({"sheet", MadeMedia("rec-png-rgba.mov"), "--json", "-o", folder / "out.png"});
+        RunForJson({"sheet", MadeMedia("rec-png-rgba.mov"), "--json", "-o", folder / "out.png"});
     EXPECT_EQ(TimesOfSheet(sheet),
               (std::vector<std::int64_t>{0, 1'000'000, 2'000'000, 3'000'000, 4'000'000, 5'000'000,
                                          6'000'000, 7'000'000}));
@@ -124,8 +125,9 @@ TEST(ProgramFilms, ASheetShowsEachPngImageOnce) {
 
 TEST(ProgramFilms, ASheetTellsWhenPngImagesAndFilmsOfRecordingsBegin) {
     TemporaryFolder folder;
-    const auto times = TimesOfSheet(Run({"sheet", MadeMedia("rec-png-rgba.mov"), "--columns", "2",
-                                         "--rows", "2", "--json", "-o", folder / "out.png"}));
+    const auto times =
+        TimesOfSheet(RunForJson({"sheet", MadeMedia("rec-png-rgba.mov"), "--columns", "2", "--rows",
+                                 "2", "--json", "-o", folder / "out.png"}));
     EXPECT_EQ(times, (std::vector<std::int64_t>{1'000'000, 3'000'000, 5'000'000, 7'000'000}));
 }
 
@@ -136,7 +138,7 @@ TEST(ProgramFilms, TheEndIsExact) {
               "zanthe: " + path +
                   ": has no picture at 0.8 s: its last picture ends at "
                   "0:00:00.800\n");
-    EXPECT_EQ(Run({"verify", path, "--video", "--json"})["video"]["last_picture_end_100ns"],
+    EXPECT_EQ(RunForJson({"verify", path, "--video", "--json"})["video"]["last_picture_end_100ns"],
               8'000'000);
 }
 
