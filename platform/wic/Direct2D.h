@@ -19,6 +19,7 @@ inline constexpr HRESULT D2DERR_PUSH_POP_UNBALANCED = com::ResultOf(0x88990016);
 inline constexpr HRESULT D2DERR_UNSUPPORTED_PIXEL_FORMAT = com::ResultOf(0x88982F80);
 inline constexpr HRESULT D2DERR_MAX_TEXTURE_SIZE_EXCEEDED = com::ResultOf(0x8899000F);
 
+// NOLINTBEGIN(readability-identifier-naming): the names of the SDK
 enum DXGI_FORMAT : UINT32 {
     DXGI_FORMAT_UNKNOWN = 0,
     DXGI_FORMAT_B8G8R8A8_UNORM = 87,
@@ -113,6 +114,8 @@ struct D2D1_RECT_U {
     UINT32 right;
     UINT32 bottom;
 };
+
+// NOLINTEND(readability-identifier-naming)
 
 struct ID2D1RenderTarget;
 

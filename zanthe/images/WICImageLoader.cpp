@@ -18,7 +18,7 @@ namespace {
 // the frame.
 com::ComPtr<IWICBitmapSource> CappedSource(IWICImagingFactory& factory,
                                            IWICBitmapFrameDecode& frame, int maxDimension) {
-    const com::ComPtr<IWICBitmapSource> asItIs(&frame);
+    com::ComPtr<IWICBitmapSource> asItIs(&frame);
     UINT fullWidth = 0;
     UINT fullHeight = 0;
     if (FAILED(frame.GetSize(&fullWidth, &fullHeight))) {

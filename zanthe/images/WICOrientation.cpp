@@ -35,7 +35,7 @@ WICBitmapTransformOptions TransformOfOrientation(unsigned int orientation) {
 com::ComPtr<IWICBitmapSource> OrientedSource(IWICImagingFactory& factory,
                                              IWICBitmapFrameDecode& frame,
                                              IWICBitmapSource* source) {
-    const com::ComPtr<IWICBitmapSource> asItIs(source);
+    com::ComPtr<IWICBitmapSource> asItIs(source);
     com::ComPtr<IWICMetadataQueryReader> reader;
     PROPVARIANT value;
     PropVariantInit(&value);
