@@ -49,34 +49,36 @@ HRESULT ReaderThread::Ask(const Request& request) {
     return S_OK;
 }
 
-// Woken without the lock, which the thread would only wait for.
-HRESULT ReaderThread::Wake(HRESULT asked) {
+// Woken without the lock, which the thread would only wait for. The answer may end the reader
+// before its request has come back: nothing but the shared state is touched behind the lock.
+HRESULT ReaderThread::Wake(State& state, std::unique_lock<std::mutex> lock, HRESULT asked) {
+    lock.unlock();
     if (SUCCEEDED(asked)) {
-        m_state->changed.notify_one();
+        state.changed.notify_one();
     }
     return asked;
 }
 
 HRESULT ReaderThread::Read(DWORD streamIndex) {
     return com::Wall([&] {
-        std::unique_lock lock(m_state->mutex);
-        const HRESULT asked = m_state->flushes > 0 ? MF_E_NOTACCEPTING : Ask({streamIndex, false});
-        lock.unlock();
-        return Wake(asked);
+        const std::shared_ptr<State> state = m_state;
+        std::unique_lock lock(state->mutex);
+        const HRESULT asked = state->flushes > 0 ? MF_E_NOTACCEPTING : Ask({streamIndex, false});
+        return Wake(*state, std::move(lock), asked);
     });
 }
 
 HRESULT ReaderThread::Flush(DWORD streamIndex) {
     return com::Wall([&] {
-        std::unique_lock lock(m_state->mutex);
-        State& state = *m_state;
+        const std::shared_ptr<State> kept = m_state;
+        State& state = *kept;
+        std::unique_lock lock(state.mutex);
         state.drops =
             state.drops || (state.reads && state.Drops({state.readsStream, false}, streamIndex));
         std::erase_if(state.waiting,
                       [&](const Request& each) { return state.Drops(each, streamIndex); });
         const HRESULT asked = Ask({streamIndex, true});
-        lock.unlock();
-        return Wake(asked);
+        return Wake(state, std::move(lock), asked);
     });
 }
 

@@ -68,7 +68,7 @@ private:
     static void AnswerFlush(State& state, DWORD streamIndex);
 
     HRESULT Ask(const Request& request); // with the lock held
-    HRESULT Wake(HRESULT asked);
+    static HRESULT Wake(State& state, std::unique_lock<std::mutex> lock, HRESULT asked);
 
     const std::shared_ptr<State> m_state;
     std::thread m_thread; // guarded by the state's mutex while this lives
