@@ -138,8 +138,6 @@ private:
     bool ReadMasks(BmpHeader& header, Compression compression) {
         if (header.bits == 16) {
             header.masks = {0x7C00, 0x03E0, 0x001F, 0};
-        } else {
-            header.masks = {0xFF0000, 0x00FF00, 0x0000FF, 0};
         }
         if (compression != BitFields && compression != AlphaBitFields) {
             return true;
@@ -225,10 +223,9 @@ void ExpandBytes(const BmpHeader& header, const std::uint8_t* row, std::uint8_t*
 }
 
 void Expand(const BmpHeader& header, const std::uint8_t* row, std::uint8_t* to) {
-    constexpr std::array<std::uint32_t, 4> bytes = {0xFF0000, 0x00FF00, 0x0000FF, 0};
     if (header.bits <= 8) {
         ExpandIndexed(header, row, to);
-    } else if (header.bits >= 24 && header.masks == bytes) {
+    } else if (header.bits >= 24 && header.masks == BmpHeader::BytesAsMasks) {
         ExpandBytes(header, row, to);
     } else {
         ExpandTrueColour(header, row, to);
