@@ -45,8 +45,8 @@ std::string Bmp(const BmpShape& shape, const std::string& behind, const std::str
                   std::string(20, '\0');
     }
     const std::string info = header + behind;
-    return "BM" + Little(0, 8) + Little(static_cast<std::uint32_t>(14 + info.size()), 4) + info +
-           pixels;
+    return "BM" + std::string(8, '\0') + Little(static_cast<std::uint32_t>(14 + info.size()), 4) +
+           info + pixels;
 }
 
 const std::string FourColours("\0\0\0\0\0\0\xFF\0\0\xFF\0\0\xFF\0\0\0",
