@@ -138,8 +138,6 @@ private:
     bool ReadMasks(BmpHeader& header, Compression compression) {
         if (header.bits == 16) {
             header.masks = {0x7C00, 0x03E0, 0x001F, 0};
-        } else {
-            header.masks = {0xFF0000, 0x00FF00, 0x0000FF, 0};
         }
         if (compression != BitFields && compression != AlphaBitFields) {
             return true;
@@ -164,7 +162,7 @@ private:
         const std::size_t entryBytes = m_size == CoreHeaderBytes ? 3 : 4;
         const std::size_t most = std::size_t{1} << header.bits;
         const std::size_t wanted = m_colours == 0 ? most : std::min<std::size_t>(m_colours, most);
-        std::array<std::uint8_t, 256 * 4> bytes{};
+        std::array<std::uint8_t, 1024> bytes{}; // 256 entries of four
         const std::int64_t start = std::int64_t{FileHeaderBytes} + m_size + m_masksBehind;
         const std::int64_t room = std::max<std::int64_t>(0, header.pixelOffset - start);
         const std::size_t count = std::min(wanted, static_cast<std::size_t>(room) / entryBytes);
@@ -225,10 +223,9 @@ void ExpandBytes(const BmpHeader& header, const std::uint8_t* row, std::uint8_t*
 }
 
 void Expand(const BmpHeader& header, const std::uint8_t* row, std::uint8_t* to) {
-    constexpr std::array<std::uint32_t, 4> bytes = {0xFF0000, 0x00FF00, 0x0000FF, 0};
     if (header.bits <= 8) {
         ExpandIndexed(header, row, to);
-    } else if (header.bits >= 24 && header.masks == bytes) {
+    } else if (header.bits >= 24 && header.masks == BmpHeader::BytesAsMasks) {
         ExpandBytes(header, row, to);
     } else {
         ExpandTrueColour(header, row, to);
@@ -308,7 +305,7 @@ private:
     bool PutPixels(int count) {
         const int bytes = IsFour() ? (count + 1) / 2 : count;
         std::array<std::uint8_t, 256> pixels{};
-        const auto padded = static_cast<std::size_t>(bytes + bytes % 2);
+        const std::size_t padded = (static_cast<std::size_t>(bytes) + 1) / 2 * 2;
         if (m_reader.Read(pixels.data(), padded) < static_cast<std::size_t>(bytes)) {
             return false;
         }

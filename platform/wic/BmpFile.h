@@ -18,9 +18,13 @@ struct BmpHeader {
     bool topDown = false;
     int bits = 0; // of a pixel: 1, 2, 4, 8, 16, 24, 32
     enum class Coding { Plain, Rle4, Rle8 } coding = Coding::Plain;
-    std::array<std::uint32_t, 4> masks{}; // red, green, blue, alpha, of 16 and 32 bits
-    std::array<WICColor, 256> palette{};  // 0xAARRGGBB, of 8 bits and less; black where it ends
-    std::int64_t pixelOffset = 0;         // in the file
+
+    static constexpr std::array<std::uint32_t, 4> BytesAsMasks = {0xFF0000, 0x00FF00, 0x0000FF, 0};
+    // Red, green, blue, alpha, of 16 bits and more.
+    std::array<std::uint32_t, 4> masks = BytesAsMasks;
+
+    std::array<WICColor, 256> palette{}; // 0xAARRGGBB, of 8 bits and less; black where it ends
+    std::int64_t pixelOffset = 0;        // in the file
     double dpiX = 96.0;
     double dpiY = 96.0;
 };
