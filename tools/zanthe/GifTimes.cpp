@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "tools/zanthe/TimeText.h"
+#include "zanthe/images/GifDelay.h"
 
 namespace Program {
 
@@ -30,7 +31,7 @@ public:
                 ReadExtension();
             } else if (SkipImage()) {
                 times.push_back(times.back() + m_delay * Millisecond);
-                m_delay = UntoldDelay;
+                m_delay = Zanthe::DefaultGifDelay;
             }
         }
         return times.size() > 1 ? times : std::vector<std::int64_t>();
@@ -40,8 +41,6 @@ private:
     static constexpr int Extension = 0x21;
     static constexpr int Image = 0x2C;
     static constexpr int Control = 0xF9;
-    static constexpr std::int64_t UntoldDelay = 100; // milliseconds
-    static constexpr std::int64_t ShortestDelay = 11;
 
     bool Read(unsigned char* bytes, std::size_t count) {
         return static_cast<bool>(
@@ -73,8 +72,8 @@ private:
             if (!Read(control.data(), control.size())) {
                 return;
             }
-            const std::int64_t delay = 10 * (control[1] | control[2] << 8);
-            m_delay = delay < ShortestDelay ? UntoldDelay : delay;
+            const auto hundredths = static_cast<std::uint32_t>(control[1] | control[2] << 8);
+            m_delay = Zanthe::ShownGifDelay(10 * hundredths);
             Skip(size - 4);
         } else if (size > 0) {
             Skip(size);
@@ -98,7 +97,7 @@ private:
     }
 
     std::ifstream m_file;
-    std::int64_t m_delay = UntoldDelay; // milliseconds, of the next image
+    std::int64_t m_delay = Zanthe::DefaultGifDelay; // milliseconds, of the next image
 };
 
 } // namespace

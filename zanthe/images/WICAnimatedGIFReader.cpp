@@ -6,17 +6,13 @@
 
 #include <boost/make_shared.hpp>
 
+#include "zanthe/images/GifDelay.h"
+
 namespace Zanthe {
 
 namespace {
 
-constexpr std::uint32_t DefaultDelay = 100;      // milliseconds, of a frame that names none
-constexpr std::uint32_t ShortestDelay = 11;      // below it a delay is taken for none
 constexpr std::uint32_t HundredthOfASecond = 10; // milliseconds
-
-std::uint32_t WithFloor(std::uint32_t delay) {
-    return delay < ShortestDelay ? DefaultDelay : delay;
-}
 
 // Items that a frame may have or not: `absent` where it has not. One of another type is a failure.
 template <typename Value>
@@ -212,7 +208,7 @@ HRESULT WICAnimatedGIFReader::ReadFrame(UINT index, frameInfo& info) const {
         result = ReadOptional(metadata, L"/grctlext/Delay", std::uint16_t{0}, number);
     }
     if (SUCCEEDED(result)) {
-        info.delay = WithFloor(number * HundredthOfASecond);
+        info.delay = ShownGifDelay(number * HundredthOfASecond);
         result = ReadBitsPerPixel(*frame, info.bitsPerPixel);
     }
     std::uint8_t disposal = 0;
@@ -227,7 +223,7 @@ HRESULT WICAnimatedGIFReader::ReadFrame(UINT index, frameInfo& info) const {
 void WICAnimatedGIFReader::SumUp() {
     std::uint64_t total = 0;
     for (const auto& frame : m_frames) {
-        frame->delay = WithFloor(frame->delay);
+        frame->delay = ShownGifDelay(frame->delay);
         total += frame->delay;
         m_variableDelays |= frame->delay != m_frames.front()->delay;
     }
