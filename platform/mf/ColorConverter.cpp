@@ -9,6 +9,7 @@
 #include "platform/mf/ColourValues.h"
 #include "platform/mf/Errors.h"
 #include "platform/mf/MediaFormats.h"
+#include "platform/mf/OnlyOutput.h"
 #include "platform/mf/PictureBuffer.h"
 #include "platform/mf/Transform.h"
 
@@ -128,14 +129,10 @@ public:
 
     HRESULT ProcessOutput(DWORD /*flags*/, DWORD bufferCount, MFT_OUTPUT_DATA_BUFFER* buffers,
                           DWORD* status) override {
-        if (buffers == nullptr || status == nullptr) {
-            return E_POINTER;
+        if (const HRESULT result = PrepareOnlyOutput(bufferCount, buffers, status);
+            FAILED(result)) {
+            return result;
         }
-        *status = 0;
-        if (bufferCount != 1 || buffers->pSample == nullptr) {
-            return E_INVALIDARG;
-        }
-        buffers->dwStatus = 0;
         return com::Wall([&] {
             const std::lock_guard lock(m_mutex);
             const HRESULT result = Check(buffers->dwStreamID);

@@ -11,6 +11,7 @@
 #include "platform/com/Object.h"
 #include "platform/mf/BufferLock.h"
 #include "platform/mf/Errors.h"
+#include "platform/mf/OnlyOutput.h"
 #include "platform/mf/SoundType.h"
 #include "platform/mf/Transform.h"
 
@@ -164,14 +165,9 @@ HRESULT Resampler::Put(IMFMediaBuffer& buffer) {
 
 HRESULT Resampler::ProcessOutput(DWORD /*flags*/, DWORD bufferCount,
                                  MFT_OUTPUT_DATA_BUFFER* buffers, DWORD* status) {
-    if (buffers == nullptr || status == nullptr) {
-        return E_POINTER;
+    if (const HRESULT result = PrepareOnlyOutput(bufferCount, buffers, status); FAILED(result)) {
+        return result;
     }
-    *status = 0;
-    if (bufferCount != 1 || buffers->pSample == nullptr) {
-        return E_INVALIDARG;
-    }
-    buffers->dwStatus = 0;
     return com::Wall([&] {
         const std::lock_guard lock(m_mutex);
         const HRESULT result = Check(buffers->dwStreamID);

@@ -23,6 +23,15 @@ void AddFile(CLI::App& command, std::string& file, const std::string& text) {
     command.add_option("FILE", file, text)->required()->type_name("");
 }
 
+void AddPngOutput(CLI::App& command, std::string& path) {
+    command
+        .add_option("-o,--output", path,
+                    "The PNG file to write; one that is there is replaced at the end; - is "
+                    "standard output")
+        ->type_name("OUT.png")
+        ->required();
+}
+
 void AddJson(CLI::App& command, bool& json) {
     command.add_flag("--json", json, "Print one JSON object instead of text");
 }

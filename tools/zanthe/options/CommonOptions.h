@@ -20,6 +20,7 @@ public:
 inline constexpr std::uint64_t MaxReads = 1'000'000'000;
 
 void AddFile(CLI::App& command, std::string& file, const std::string& text);
+void AddPngOutput(CLI::App& command, std::string& path);
 void AddJson(CLI::App& command, bool& json);
 void AddRate(CLI::App& command, int& rate);
 void AddRecontainer(CLI::App& command, bool& recontainer);

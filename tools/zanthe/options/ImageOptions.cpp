@@ -55,12 +55,7 @@ void Declare(CLI::App& command, ImageRequest& request) {
             "The size at which a PDF page is drawn, in pixels; the page is stretched to it")
         ->type_name("WxH")
         ->transform(SizeText());
-    command
-        .add_option("-o,--output", request.output,
-                    "The PNG file to write; one that is there is replaced at the end; - is "
-                    "standard output")
-        ->type_name("OUT.png")
-        ->required();
+    AddPngOutput(command, request.output);
     AddJson(command, request.json);
 }
 

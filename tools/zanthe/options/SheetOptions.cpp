@@ -17,12 +17,7 @@ void Declare(CLI::App& command, SheetRequest& request) {
         ->transform(WholeNumber(1, most))
         ->capture_default_str();
     AddStreamAndFormat(command, request.choice);
-    command
-        .add_option("-o,--output", request.output,
-                    "The PNG file to write; one that is there is replaced at the end; - is "
-                    "standard output")
-        ->type_name("OUT.png")
-        ->required();
+    AddPngOutput(command, request.output);
     AddJson(command, request.json);
 }
 

@@ -12,7 +12,7 @@
 #include "tests/support/StereoSound.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
-#include "zanthe/audio/mf/MediaFoundationBackends.h"
+#include "tests/zanthe/audio/mf/MockBackends.h"
 
 using testing::Return;
 
@@ -25,16 +25,6 @@ class MockReader : public IAudioReader {
 public:
     MOCK_METHOD(unsigned int, FillAudioBuffer, (std::int64_t, unsigned int, std::vector<float*>&),
                 (override));
-};
-
-class MockBackends : public IMediaFoundationBackends {
-public:
-    MOCK_METHOD(boost::shared_ptr<IAudioReader>, CreateRecontainering,
-                (const std::string&, const std::string&, int), (const, override));
-    MOCK_METHOD(boost::shared_ptr<IAudioReader>, CreateLegacy, (const std::wstring&),
-                (const, override));
-    MOCK_METHOD(boost::shared_ptr<IAudioReader>, CreateCurrent, (const std::string&, int),
-                (const, override));
 };
 
 class Recontainering : public testing::Test {

@@ -9,6 +9,7 @@
 
 #include "tests/support/FixedVersion.h"
 #include "tests/support/TestMedia.h"
+#include "tests/zanthe/audio/mf/MockBackends.h"
 #include "zanthe/audio/mf/LegacyMFAudioReader.h"
 #include "zanthe/audio/mf/MFAudioReader.h"
 #include "zanthe/audio/mf/MFRecontaineringAudioReader.h"
@@ -27,16 +28,6 @@ public:
     unsigned int FillAudioBuffer(std::int64_t, unsigned int, std::vector<float*>&) override {
         return 0;
     }
-};
-
-class MockBackends : public IMediaFoundationBackends {
-public:
-    MOCK_METHOD(boost::shared_ptr<IAudioReader>, CreateRecontainering,
-                (const std::string&, const std::string&, int), (const, override));
-    MOCK_METHOD(boost::shared_ptr<IAudioReader>, CreateLegacy, (const std::wstring&),
-                (const, override));
-    MOCK_METHOD(boost::shared_ptr<IAudioReader>, CreateCurrent, (const std::string&, int),
-                (const, override));
 };
 
 class Backends : public testing::Test {
