@@ -381,5 +381,17 @@ TEST_F(Dispatch, TheExportedFactoryTakesOverTheReferenceToo) {
     EXPECT_EQ(deviceManager.added, 0);
 }
 
+TEST_F(Dispatch, AnH264ReaderHoldsTheDeviceManagerItself) {
+    CountedDeviceManager deviceManager;
+    std::unique_ptr<DecoderFactory> factory(
+        DecoderFactory::Create(DecoderOutputFormat::DeviceArgb32, &deviceManager, true));
+    std::unique_ptr<VideoSampleReader> reader(
+        factory->CreateVideoSampleReader("none.mp4", 0, false));
+    factory.reset();
+    EXPECT_EQ(deviceManager.references, 1);
+    reader.reset();
+    EXPECT_EQ(deviceManager.references, 0);
+}
+
 } // namespace
 } // namespace Zanthe
