@@ -46,8 +46,10 @@ BRECLibAudioMediaReader::BRECLibAudioMediaReader(const std::string& path, int tr
         return;
     }
     const auto tracks = m_reader->tracks();
-    if (trackIndex >= 0 && static_cast<std::size_t>(trackIndex) < tracks.size()) {
-        m_track = tracks[static_cast<std::size_t>(trackIndex)];
+    // A negative one becomes larger than any.
+    const auto index = static_cast<std::size_t>(trackIndex);
+    if (index < tracks.size()) {
+        m_track = tracks[index];
     }
 }
 
