@@ -29,6 +29,7 @@ TEST(Mp4v2, TracksAreCountedWithinTheirType) {
     EXPECT_EQ(MP4FindTrackId(file.get(), 1, nullptr, 0), 2U);
     EXPECT_EQ(MP4FindTrackId(file.get(), 2, nullptr, 0), MP4_INVALID_TRACK_ID);
     EXPECT_EQ(MP4FindTrackId(file.get(), 65535, nullptr, 0), MP4_INVALID_TRACK_ID);
+    EXPECT_EQ(MP4FindTrackId(file.get(), 0, nullptr, 1), MP4_INVALID_TRACK_ID);
 }
 
 TEST(Mp4v2, ATrackHasTheAtomOfItsCoding) {
