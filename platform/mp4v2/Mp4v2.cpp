@@ -87,7 +87,7 @@ MP4TrackId MP4FindTrackId(MP4FileHandle file, std::uint16_t index, const char* t
 }
 
 std::uint32_t MP4GetNumberOfTracks(MP4FileHandle file, const char* type, std::uint8_t subType) {
-    if (file == MP4_INVALID_FILE_HANDLE || subType != 0) {
+    if (FileOf(file) == nullptr || subType != 0) {
         return 0;
     }
     const auto& tracks = FileOf(file)->Tracks();

@@ -30,6 +30,8 @@ inline constexpr const char* MP4_AUDIO_TRACK_TYPE = "soun";
 inline constexpr const char* MP4_VIDEO_TRACK_TYPE = "vide";
 
 // Thread-safety: safe from any thread; one handle serves one thread at a time.
+//
+// A handle on a file that is being made has no tracks and no samples for the calls that read.
 
 // A handle on the file at `path` (UTF-8, found as it stands), the caller's to give to MP4Close.
 // MP4_INVALID_FILE_HANDLE when it cannot be read or is no file of this family.

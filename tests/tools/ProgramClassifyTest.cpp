@@ -66,6 +66,12 @@ TEST(ProgramClassify, TellsEveryAnswerAsJson) {
     EXPECT_EQ(json["source_filter"]["name"], "file source");
     EXPECT_EQ(json["video_samples"]["6.2_or_later"], "Media Foundation");
     EXPECT_EQ(json["video_samples"]["below_6.2"], "DirectShow");
+    EXPECT_EQ(json["audio"]["6.2_or_later"], "Media Foundation");
+    EXPECT_EQ(json["audio"]["below_6.2"], "Media Foundation");
+    EXPECT_EQ(json["detection"]["below_6.2"], "DirectShow");
+    EXPECT_EQ(json["system"], "6.2_or_later");
+    EXPECT_EQ(json["preferred_filters"],
+              nlohmann::json({"mc_demux_mp4_ds.ax", "mc_dec_aac_ds.ax", "mc_dec_avc_ds.ax"}));
     EXPECT_EQ(json["mp4"]["parsed"], true);
     EXPECT_EQ(json["mp4"]["problem"], nullptr);
     EXPECT_EQ(json["mp4"]["tracks"].size(), 1U);
@@ -73,6 +79,35 @@ TEST(ProgramClassify, TellsEveryAnswerAsJson) {
     EXPECT_EQ(json["mp4"]["tracks"][0]["pixel_aspect"], nlohmann::json({4, 3}));
     EXPECT_EQ(json["mp4"]["orientation"]["matrix"], nlohmann::json({1.0, 0.0, 0.0, 1.0}));
     EXPECT_EQ(json["mp4"]["orientation"]["rotation"], 0);
+}
+
+TEST(ProgramClassify, TellsTheRoutesOfSoundAndPictures) {
+    const std::string recording = MadeMedia("rec-sounds.brec");
+    EXPECT_THAT(TextOf(recording), AllOf(HasSubstr("\naudio route       recording\n"),
+                                         HasSubstr("\nvideo route       recording decoder\n")));
+    const auto json = JsonOf(MadeMedia("tone-44100-stereo-vbr.mp3"));
+    EXPECT_EQ(json["audio_route"], nlohmann::json({{"backend", "FFmpeg"}, {"built", true}}));
+    EXPECT_EQ(json["video_route"],
+              nlohmann::json({{"backend", "Media Foundation"}, {"built", true}}));
+    const std::string avi = MadeMedia("rec-sound.avi");
+    EXPECT_THAT(TextOf(avi),
+                AllOf(HasSubstr("\naudio route       DirectShow (not in this build)\n"),
+                      HasSubstr("\nvideo route       DirectShow (not in this build)\n")));
+    EXPECT_EQ(JsonOf(avi)["video_route"],
+              nlohmann::json({{"backend", "DirectShow"}, {"built", false}}));
+}
+
+TEST(ProgramClassify, TellsAacAndPngOfMp4Files) {
+    const std::string aac = MadeMedia("audio-select/aac.mp4");
+    EXPECT_THAT(TextOf(aac), AllOf(HasSubstr("\nPNG QuickTime     no\n"),
+                                   HasSubstr("\nAAC in MP4        yes\n")));
+    EXPECT_EQ(JsonOf(aac)["mp4"]["aac"], true);
+    EXPECT_EQ(JsonOf(aac)["mp4"]["png_quicktime"], false);
+    const std::string png = MadeMedia("classify/png.mov");
+    EXPECT_THAT(TextOf(png), AllOf(HasSubstr("\nPNG QuickTime     yes\n"),
+                                   HasSubstr("\nAAC in MP4        no\n")));
+    EXPECT_EQ(JsonOf(png)["mp4"]["aac"], false);
+    EXPECT_EQ(JsonOf(png)["mp4"]["png_quicktime"], true);
 }
 
 TEST(ProgramClassify, WhatIsNoMp4IsNoFailure) {

@@ -86,9 +86,6 @@ std::string PixelAspectText(const ClassifiedTrack& track) {
 }
 
 std::string RouteText(const ClassifiedRoute& route) {
-    if (!route.failure.empty()) {
-        return "fails: " + route.failure;
-    }
     return route.isBuilt ? route.backend : route.backend + " (not in this build)";
 }
 
@@ -202,12 +199,7 @@ Json JsonOf(const ClassifiedBackend& backend) {
 }
 
 Json JsonOf(const ClassifiedRoute& route) {
-    Json json{{"backend", route.backend}, {"built", route.isBuilt}, {"failure", nullptr}};
-    if (!route.failure.empty()) {
-        json["backend"] = nullptr;
-        json["failure"] = route.failure;
-    }
-    return json;
+    return {{"backend", route.backend}, {"built", route.isBuilt}};
 }
 
 Json JsonOf(const ClassifiedTrack& track) {

@@ -42,9 +42,8 @@ struct ClassifiedBackend {
 
 // The backend that reads a file on this system.
 struct ClassifiedRoute {
-    std::string backend;   // as FileClassification says
-    bool isBuilt = false;  // whether this build of the library has it; else it fails to open
-    std::string failure{}; // the text where already the choice failed, and backend is empty
+    std::string backend;  // as FileClassification says
+    bool isBuilt = false; // whether this build of the library has it; else the file fails to open
 
     friend bool operator==(const ClassifiedRoute&, const ClassifiedRoute&) = default;
 };
@@ -117,9 +116,9 @@ struct FileClassification {
     // "FFmpeg", "recording", "Media Foundation" or "DirectShow".
     ClassifiedRoute audioRoute;
 
-    // For stream 0 and with Media Foundation allowed: "Media Foundation", "DirectShow", "legacy
-    // recording decoder", "recording decoder", "PNG QuickTime decoder", "GIF decoder", or "none: no
-    // decoder for it".
+    // For the stream asked for and with Media Foundation allowed: "Media Foundation", "DirectShow",
+    // "legacy recording decoder", "recording decoder", "PNG QuickTime decoder", "GIF decoder", or
+    // "none: no decoder for it", which counts as built and fails to open all the same.
     ClassifiedRoute videoRoute;
 
     bool pngMov = false;   // a ".mov" with PNG pictures

@@ -99,7 +99,7 @@ PNGMOVVideoDecoder::PNGMOVVideoDecoder(std::string path, std::int32_t streamInde
 PNGMOVVideoDecoder::~PNGMOVVideoDecoder() = default;
 
 bool PNGMOVVideoDecoder::Open() {
-    m_file.reset(MP4Read(win32::ExistingPath(m_path).c_str()));
+    m_file = Zanthe::OpenMp4File(win32::ExistingPath(m_path));
     if (m_file == nullptr) {
         return false;
     }

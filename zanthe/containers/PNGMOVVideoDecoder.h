@@ -7,9 +7,9 @@
 #include <memory>
 #include <string>
 
-#include "platform/mp4v2/Mp4v2.h"
 #include "zanthe/containers/ZeroedBytes.h"
 #include "zanthe/core/VideoDecoder.h"
+#include "zanthe/h264/Mp4Track.h"
 
 // Every picture must have an alpha channel: one without is refused, deliberately. Times are the
 // track's own, from 0; edit lists play no part.
@@ -44,12 +44,6 @@ public:
 private:
     PNGMOVVideoDecoder(std::string path, std::int32_t streamIndex);
 
-    struct CloseFile {
-        using pointer = MP4FileHandle;
-
-        void operator()(MP4FileHandle file) const { MP4Close(file, 0); }
-    };
-
     bool Open();
     bool TakeAnyTrack(std::uint32_t trackCount);
     bool TakeTrack(std::uint32_t index);
@@ -59,7 +53,7 @@ private:
 
     std::string m_path;
     std::int32_t m_streamIndex;
-    std::unique_ptr<void, CloseFile> m_file;
+    Zanthe::Mp4FileOwner m_file;
     std::uint32_t m_trackId = 0; // 0: none
     std::uint32_t m_timeScale = 0;
     double m_durationSeconds = 0.0;

@@ -72,9 +72,18 @@ public:
     //   "DecoderFactory::CreateVideoDecoder: Couldn't find a decoder to match extension = " and E
     //        any other path with ".brec!" in it: a member of a recording has no decoder of its own
     //   "Can't create WICAnimatedGIFReader"
+    //        E is gif: a picture of another kind, or a GIF that is damaged
+    // DSMediaDetException:
+    //   "Unable to create decoder"
+    //        E is gif: no such file, or no picture
+    // TextException, for a screen recording of the older kind:
+    //   "OrirecScreenVideoDecoder - orirec is not a structured-storage file!"   no such file
+    //   "OrirecScreenVideoDecoder - failed to open structured-storage file!"    no compound file
+    //   "OrirecScreenVideoDecoder - failed to open screen stream!"              no such member
+    //   "OrirecScreenVideoDecoder - VFW codec initialization failed!"           no codec for it
+    // a plain std::exception where the AVI file in such a recording cannot be read.
     // boost::bad_rational for a file of the H.264 reader; see WinH264SampleReader::create.
-    // TextException:
-    //   "OrirecScreenVideoDecoder - orirec is not a structured-storage file!"
+    // std::bad_alloc, also for a recording or GIF whose pictures no Bitmap can hold.
     // a const char*, as the DirectShow side throws its texts:
     //   "Could not get the MediaControl interface from the FilterGraph"   no graph for the file
     virtual VideoSampleReader* CreateVideoSampleReader(const std::string& path, int streamIndex,

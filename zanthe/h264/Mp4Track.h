@@ -1,4 +1,4 @@
-// The first video track of an MP4 file, held open.
+// An MP4 file, held open, and its first video track.
 #pragma once
 
 #include <cstdint>

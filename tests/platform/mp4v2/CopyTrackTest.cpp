@@ -1,23 +1,17 @@
 #include <filesystem>
-#include <memory>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "platform/mp4v2/Mp4v2.h"
 #include "tests/platform/av/SoundFiles.h"
+#include "tests/platform/mp4v2/OwnedFile.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
 
 namespace {
 
-struct Closer {
-    using pointer = MP4FileHandle;
-
-    void operator()(MP4FileHandle file) const { MP4Close(file, 0); }
-};
-
-using File = std::unique_ptr<void, Closer>;
+using File = OwnedFile;
 
 File Read(const std::string& path) {
     return File(MP4Read(path.c_str()));
@@ -105,6 +99,18 @@ TEST(CopyTrack, AFileThatIsBeingMadeTellsNothing) {
     ASSERT_NE(file, nullptr);
     EXPECT_EQ(MP4GetTimeScale(file.get()), 0U);
     EXPECT_EQ(MP4FindTrackId(file.get(), 0, nullptr, 0), MP4_INVALID_TRACK_ID);
+    EXPECT_EQ(MP4GetNumberOfTracks(file.get(), nullptr, 0), 0U);
+    EXPECT_EQ(MP4GetTrackMediaDataName(file.get(), 1), nullptr);
+    EXPECT_EQ(MP4GetTrackVideoWidth(file.get(), 1), 0);
+    EXPECT_EQ(MP4GetTrackVideoHeight(file.get(), 1), 0);
+    EXPECT_FALSE(MP4HaveTrackAtom(file.get(), 1, "mdia.minf.stbl.stsd.mp4a"));
+    EXPECT_EQ(MP4GetTrackDuration(file.get(), 1), MP4_INVALID_DURATION);
+    EXPECT_EQ(MP4GetTrackTimeScale(file.get(), 1), 0U);
+    EXPECT_EQ(MP4GetTrackNumberOfSamples(file.get(), 1), 0U);
+    EXPECT_EQ(MP4GetSampleSync(file.get(), 1, 1), -1);
+    EXPECT_EQ(MP4GetSampleTime(file.get(), 1, 1), MP4_INVALID_TIMESTAMP);
+    EXPECT_EQ(MP4GetSampleIdFromTime(file.get(), 1, 0), MP4_INVALID_SAMPLE_ID);
+    EXPECT_EQ(MP4GetSampleSize(file.get(), 1, 1), 0U);
     EXPECT_FALSE(MP4SetTimeScale(file.get(), 0));
     EXPECT_FALSE(MP4SetTimeScale(nullptr, 1000));
     EXPECT_EQ(MP4GetTimeScale(nullptr), 0U);

@@ -1,11 +1,11 @@
 #include "platform/mp4v2/Mp4v2.h"
 
-#include <memory>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/platform/mp4v2/OwnedFile.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
 
@@ -13,13 +13,7 @@ namespace {
 
 constexpr const char* Mp4a = "mdia.minf.stbl.stsd.mp4a";
 
-struct Closer {
-    using pointer = MP4FileHandle;
-
-    void operator()(MP4FileHandle file) const { MP4Close(file, 0); }
-};
-
-using File = std::unique_ptr<void, Closer>;
+using File = OwnedFile;
 
 File Open(const std::string& name) {
     return File(MP4Read(MadeMedia("audio-select/" + name).c_str()));

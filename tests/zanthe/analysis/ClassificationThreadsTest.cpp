@@ -1,6 +1,5 @@
 // Several threads classify at once, on the same files and on different ones.
 #include <atomic>
-#include <thread>
 #include <vector>
 
 #include <boost/make_shared.hpp>
@@ -10,6 +9,7 @@
 #include "platform/win32/Registry.h"
 #include "platform/win32/Text.h"
 #include "platform/win32/Version.h"
+#include "tests/support/OnAllThreads.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/zanthe/analysis/Mp4Boxes.h"
 #include "zanthe/analysis/FileClassification.h"
@@ -25,18 +25,14 @@ namespace {
 constexpr int Threads = 4;
 constexpr int Rounds = 100;
 
-// Runs `work` with the numbers 0 to Threads - 1, all at once and many times.
+// Has all threads call `work` with their number, many times.
 template <typename Work>
-void OnAllThreads(Work work) {
-    std::vector<std::jthread> threads;
-    threads.reserve(Threads);
-    for (int thread = 0; thread < Threads; ++thread) {
-        threads.emplace_back([&work, thread] {
-            for (int round = 0; round < Rounds; ++round) {
-                work(thread);
-            }
-        });
-    }
+void ManyTimesOnAllThreads(const Work& work) {
+    OnAllThreads(Threads, [&work](int thread) {
+        for (int round = 0; round < Rounds; ++round) {
+            work(thread);
+        }
+    });
 }
 
 class ClassificationThreads : public testing::Test {
@@ -62,7 +58,7 @@ protected:
 
 TEST_F(ClassificationThreads, SubtypesAndBackends) {
     const auto version = boost::make_shared<Zanthe::WindowsVersionProvider>();
-    OnAllThreads([&](int thread) {
+    ManyTimesOnAllThreads([&](int thread) {
         EXPECT_EQ(DetectMediaSubtype(m_sound), MEDIASUBTYPE_WAVE);
         EXPECT_EQ(DetectMediaSubtype(m_movie), MEDIASUBTYPE_None);
         const auto purpose = static_cast<MediaFoundationPurpose>(thread % 3);
@@ -71,7 +67,7 @@ TEST_F(ClassificationThreads, SubtypesAndBackends) {
 }
 
 TEST_F(ClassificationThreads, StreamsAndOrientations) {
-    OnAllThreads([&](int) {
+    ManyTimesOnAllThreads([&](int) {
         EXPECT_EQ(ReadMP4StreamTypes(m_movie),
                   (std::vector<MP4StreamType>{{MP4TrackType::Video, "png "}}));
         EXPECT_EQ(RotationFromOrientation(ReadMediaOrientation(m_movie)), 90);
@@ -80,7 +76,7 @@ TEST_F(ClassificationThreads, StreamsAndOrientations) {
 
 TEST_F(ClassificationThreads, FiltersOverTheRegistry) {
     const GUID filter = SelectSourceFilter(L"a.orirec!Screen_Stream.avi");
-    OnAllThreads([&](int) {
+    ManyTimesOnAllThreads([&](int) {
         EXPECT_EQ(SelectSourceFilter(L"a.orirec!Screen_Stream.avi"), filter);
         EXPECT_FALSE(IsAlternateInstallMode());
         AddPreferredFilters(L"a.mp4", nullptr);
@@ -91,7 +87,7 @@ TEST_F(ClassificationThreads, FiltersOverTheRegistry) {
 // The system's version may be set while others ask for it: they see one or the other.
 TEST_F(ClassificationThreads, TheSystemsVersion) {
     std::atomic<int> answers = 0;
-    OnAllThreads([&](int thread) {
+    ManyTimesOnAllThreads([&](int thread) {
         if (thread == 0) {
             win32::SetSystemVersion({6, 1, 0});
             win32::SetSystemVersion({});
@@ -107,7 +103,7 @@ TEST_F(ClassificationThreads, TheSystemsVersion) {
 TEST_F(ClassificationThreads, EveryAnswer) {
     const std::string path = win32::WideToUtf8(m_movie);
     const Zanthe::FileClassification one = Zanthe::ClassifyFile(path);
-    OnAllThreads([&](int) {
+    ManyTimesOnAllThreads([&](int) {
         const Zanthe::FileClassification other = Zanthe::ClassifyFile(path);
         EXPECT_EQ(other.tracks, one.tracks);
         EXPECT_EQ(other.orientation, one.orientation);

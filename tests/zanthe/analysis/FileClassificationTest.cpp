@@ -1,15 +1,21 @@
 #include "zanthe/analysis/FileClassification.h"
 
+#include <exception>
 #include <filesystem>
+#include <memory>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/dshow/Uuids.h"
+#include "tests/support/CompoundFile.h"
+#include "tests/support/GifBytes.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
 #include "tests/zanthe/analysis/Mp4Boxes.h"
 #include "zanthe/analysis/IdentifierNames.h"
+#include "zanthe/audio/AudioMediaReaderFactory.h"
+#include "zanthe/core/DecoderFactory.h"
 
 using testing::Contains;
 using testing::ElementsAre;
@@ -80,6 +86,44 @@ TEST(ClassifyFile, TellsWhatThisBuildHas) {
     EXPECT_EQ(ClassifyFile("a.brec").videoRoute, (ClassifiedRoute{"recording decoder", true}));
     EXPECT_EQ(Made("classify/png.mov").videoRoute,
               (ClassifiedRoute{"PNG QuickTime decoder", true}));
+}
+
+bool OpensItsSound(const std::string& path) {
+    try {
+        return AudioMediaReaderFactory(path, 0, 44100).Create_AudioMediaReader(false) != nullptr;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+bool OpensItsPictures(const std::string& path) {
+    const std::unique_ptr<DecoderFactory> factory(DecoderFactory::Create());
+    try {
+        const std::unique_ptr<VideoSampleReader> reader(
+            factory->CreateVideoSampleReader(path, 0, false));
+        return reader != nullptr && reader->outputWidth() > 0;
+    } catch (const char*) { // as backends on filter graphs fail
+        return false;
+    }
+}
+
+// A whole file for each route; the factories open it where the route is told to be there.
+TEST(ClassifyFile, WhatIsToldToBeInThisBuildOpens) {
+    for (const char* name : {"tone-44100-stereo-vbr.mp3", "rec-sounds.brec", "audio-select/aac.mp4",
+                             "classify/tone.wav", "rec-sound.avi"}) {
+        const std::string path = MadeMedia(name);
+        EXPECT_EQ(ClassifyFile(path).audioRoute.isBuilt, OpensItsSound(path)) << name;
+    }
+    const TemporaryFolder folder;
+    const std::string gif = folder.Write("a.gif", GifBytes(4, 2).Frame(0, 0, 4, 2, 1).Bytes());
+    const std::string legacy = folder / "a.orirec";
+    WriteCompoundFile(legacy, {{"Screen_Stream.avi", ReadWholeFile(MadeMedia("rec-mjpeg.avi"))}});
+    for (const std::string& path :
+         {MadeMedia("mp4-plain.mp4"), MadeMedia("mp4-plain.mov"), MadeMedia("classify/png.mov"),
+          MadeMedia("rec-tracks.brec"), MadeMedia("rec-mjpeg.avi"), gif,
+          legacy + "!Screen_Stream.avi"}) {
+        EXPECT_EQ(ClassifyFile(path).videoRoute.isBuilt, OpensItsPictures(path)) << path;
+    }
 }
 
 TEST(ClassifyFile, TheRouteIsThatOfTheStreamAskedFor) {

@@ -88,6 +88,30 @@ TEST(ShouldUseMediaFoundation, MovWithPngPictures) {
     EXPECT_EQ(Answers(win32::Utf8ToWide(MadeMedia("classify/h264.mov"))), "-yy --y --y");
 }
 
+// Only that question needs the file, so that all others cost no more than looking at the path.
+TEST(ShouldUseMediaFoundation, OnlyTheDetectionOfAMovLooksIntoTheFile) {
+    const auto newer = boost::make_shared<FixedVersion>(true);
+    int looks = 0;
+    const auto look = [&looks] {
+        ++looks;
+        return false;
+    };
+    for (const Row& row : Table) {
+        const bool mov = row.path.ends_with(L".mov");
+        for (const auto purpose :
+             {MediaFoundationPurpose::Audio, MediaFoundationPurpose::VideoSamples,
+              MediaFoundationPurpose::Detection}) {
+            looks = 0;
+            ShouldUseMediaFoundation(row.path, purpose, newer, look);
+            const bool wanted = mov && purpose == MediaFoundationPurpose::Detection;
+            EXPECT_EQ(looks, wanted ? 1 : 0) << win32::WideToUtf8(row.path);
+        }
+    }
+    looks = 0;
+    ShouldUseMediaFoundation(L"c:\\a.mov", MediaFoundationPurpose::Detection, nullptr, look);
+    EXPECT_EQ(looks, 1);
+}
+
 TEST(ShouldUseMediaFoundation, ForwardSlashes) {
     EXPECT_EQ(Answers(L"d:/x/y.mp4"), "-yy --y --y");
     EXPECT_EQ(Answers(L"d:/x.y/z"), "--- --- ---");

@@ -69,6 +69,13 @@ TEST(IsMovWithPngVideo, AMemberIsNoFile) {
     EXPECT_FALSE(IsPngMov(path + "!video0.mp4"));
 }
 
+// It is the recording's extension that counts, also where a file of the whole name is there.
+TEST(IsMovWithPngVideo, AFileNamedAsAMemberIsReadItself) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(IsPngMov(folder.Write("a.mov!video0.mp4", PngMovBytes())));
+    EXPECT_FALSE(IsPngMov(folder.Write("a.mp4!video0.mov", PngMovBytes())));
+}
+
 TEST(IsMovWithPngVideo, ReadsRealFiles) {
     const auto files = RealMedia("mp4");
     if (files.empty()) {

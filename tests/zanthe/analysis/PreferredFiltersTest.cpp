@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/dshow/GraphConfig.h"
+#include "tests/support/SlotOf.h"
 
 namespace {
 
@@ -135,6 +136,17 @@ TEST(PreferredFilters, ByExtension) {
         EXPECT_THAT(Names(PreferredFiltersFor(path)), IsEmpty());
     }
 }
+
+#if defined(__x86_64__)
+
+// Behind the three of IUnknown it is the third.
+TEST(PreferredFilters, TheOperationThatTakesThemIsTheThirdOfItsInterface) {
+    EXPECT_EQ(SlotOf(&IGraphConfig::Reconnect), 3);
+    EXPECT_EQ(SlotOf(&IGraphConfig::Reconfigure), 4);
+    EXPECT_EQ(SlotOf(&IGraphConfig::AddFilterToCache), 5);
+}
+
+#endif
 
 TEST(PreferredFilters, AGraphTakesThemInTheOrderInWhichTheyWereMade) {
     const InstalledHost installed;

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/win32/Version.h"
+#include "tests/support/SilentReader.h"
 #include "tests/support/StereoSound.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
@@ -71,14 +72,6 @@ TEST(AudioMediaReaderFactory, AnMp3ThatCannotBeOpenedThrowsItsReadersText) {
         EXPECT_STREQ(error.what(), "PacketReader() - m_formatContext->openInput failed");
     }
 }
-
-class SilentReader : public IAudioReader {
-public:
-    // IAudioReader
-    unsigned int FillAudioBuffer(std::int64_t, unsigned int, std::vector<float*>&) override {
-        return 0;
-    }
-};
 
 class MockBackends : public IAudioBackends {
 public:

@@ -3,11 +3,11 @@
 
 #include <atomic>
 
-#include "zanthe/core/VideoSampleReader.h"
+#include "tests/zanthe/core/PlainReader.h"
 
 namespace Zanthe {
 
-class CountedReader final : public VideoSampleReader {
+class CountedReader final : public PlainReader {
 public:
     explicit CountedReader(std::atomic<int>& living)
         : m_living(living) {
@@ -15,20 +15,6 @@ public:
     }
 
     ~CountedReader() override { --m_living; }
-
-    // VideoSampleReader
-    int outputWidth() const override { return 4; }
-
-    int outputHeight() const override { return 2; }
-
-    VideoSample* readVideoSample(MediaTime, std::function<void(unsigned char*, int)>,
-                                 VideoSampleReaderFlags) override {
-        return nullptr;
-    }
-
-    bool requiresFlagSometimesToActuallyGetSamples() override { return false; }
-
-    bool requiresMediaOrientationTransformation() override { return false; }
 
 private:
     std::atomic<int>& m_living;

@@ -1,4 +1,4 @@
-// What a host gets for the files whose backends this build lacks: the failures of those backends.
+// What a host gets for a file: its backend, or the failure of that.
 #include "zanthe/core/DecoderFactory.h"
 
 #include <memory>
@@ -6,10 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/GifBytes.h"
 #include "tests/support/TemporaryFolder.h"
 #include "zanthe/core/TextException.h"
+#include "zanthe/core/VideoDecoderToVideoSampleReader.h"
 #include "zanthe/core/WinDecoderFactory.h"
 #include "zanthe/detection/DSMediaDetException.h"
+#include "zanthe/h264/WinH264SampleReader.h"
 
 namespace Zanthe {
 namespace {
@@ -60,6 +63,29 @@ TEST(DecoderFactory, AFileThatTheH264ReaderCannotOpen) {
         ASSERT_NE(reader, nullptr);
         EXPECT_EQ(reader->outputWidth(), 0);
         EXPECT_EQ(reader->readVideoSample(MediaTime(0), {}, VideoSampleReaderFlags::None), nullptr);
+    }
+}
+
+TEST(DecoderFactory, AnH264ReaderHasTheFormatOfItsFactory) {
+    for (const auto format : {DecoderOutputFormat::MemoryArgb32, DecoderOutputFormat::MemoryNv12}) {
+        const std::unique_ptr<DecoderFactory> factory(
+            DecoderFactory::Create(format, nullptr, true));
+        const std::unique_ptr<VideoSampleReader> reader(
+            factory->CreateVideoSampleReader("none.mp4", 0, false));
+        const auto* h264 = dynamic_cast<const WinH264SampleReader*>(reader.get());
+        ASSERT_NE(h264, nullptr);
+        EXPECT_EQ(h264->outputFormat(), format);
+    }
+}
+
+TEST(DecoderFactory, AGifOfAnyNameOpens) {
+    const TemporaryFolder folder;
+    const std::string bytes = GifBytes(4, 2).Frame(0, 0, 4, 2, 1).Bytes();
+    for (const char* name : {"a.GIF", "\u00e9\u4e16.gif", "\xff.gif"}) {
+        const auto reader = Open(folder.Write(name, bytes));
+        ASSERT_NE(dynamic_cast<VideoDecoderToVideoSampleReader*>(reader.get()), nullptr) << name;
+        EXPECT_EQ(reader->outputWidth(), 4);
+        EXPECT_EQ(reader->outputHeight(), 2);
     }
 }
 

@@ -119,6 +119,9 @@ TEST_F(Cache, PathAndIndexCanFallTogether) {
     EXPECT_EQ(ReleaseFailure("a.mp41", 1), "released");
     EXPECT_EQ(ReleaseFailure("a.mp4", 11), "released");
     EXPECT_NE(ReleaseFailure("a.mp4", 11), "released");
+    // The sign of an index is part of it.
+    const auto negative = m_cache->AcquireDecoder("a.mp4", -1, false);
+    EXPECT_EQ(m_cache->AcquireDecoder("a.mp4-", 1, false), negative);
 }
 
 TEST_F(Cache, RecordingsAreNeverShared) {

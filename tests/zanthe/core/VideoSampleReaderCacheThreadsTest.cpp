@@ -6,10 +6,10 @@
 #include <latch>
 #include <stdexcept>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/support/OnAllThreads.h"
 #include "tests/zanthe/core/CountedReader.h"
 #include "zanthe/core/VideoSampleReaderCache.h"
 
@@ -42,16 +42,6 @@ public:
     }
 };
 
-// Runs `work` with the numbers 0 to Threads - 1, all at once.
-template <typename Work>
-void OnAllThreads(Work work) {
-    std::vector<std::jthread> threads;
-    threads.reserve(Threads);
-    for (int thread = 0; thread < Threads; ++thread) {
-        threads.emplace_back([&work, thread] { work(thread); });
-    }
-}
-
 bool IsPooled(VideoSampleReaderCache& cache, const std::string& path) {
     try {
         cache.ReleaseDecoder(path, 0);
@@ -65,7 +55,7 @@ TEST(VideoSampleReaderCacheThreads, AFileIsOpenedOnceForAll) {
     UnguardedFactory factory;
     VideoSampleReaderCache cache(&factory);
     std::array<boost::shared_ptr<VideoSampleReader>, Threads> readers;
-    OnAllThreads([&](int thread) {
+    OnAllThreads(Threads, [&](int thread) {
         readers[static_cast<std::size_t>(thread)] = cache.AcquireDecoder(Paths[0], 0, false);
     });
     for (const auto& reader : readers) {
@@ -81,7 +71,7 @@ TEST(VideoSampleReaderCacheThreads, AFileIsOpenedOnceForAll) {
 TEST(VideoSampleReaderCacheThreads, EveryAcquireIsMatchedByItsRelease) {
     UnguardedFactory factory;
     VideoSampleReaderCache cache(&factory);
-    OnAllThreads([&](int thread) {
+    OnAllThreads(Threads, [&](int thread) {
         for (int round = 0; round < Rounds; ++round) {
             const std::string& path = Paths[static_cast<std::size_t>(thread + round) % 3];
             const auto reader = cache.AcquireDecoder(path, 0, false);
@@ -101,7 +91,7 @@ TEST(VideoSampleReaderCacheThreads, AHeldReaderStaysTheSame) {
     UnguardedFactory factory;
     VideoSampleReaderCache cache(&factory);
     const auto held = cache.AcquireDecoder(Paths[0], 0, false);
-    OnAllThreads([&](int) {
+    OnAllThreads(Threads, [&](int) {
         for (int round = 0; round < Rounds; ++round) {
             EXPECT_EQ(cache.AcquireDecoder(Paths[0], 0, true), held);
             cache.ReleaseDecoder(Paths[0], 0);
@@ -180,7 +170,7 @@ TEST(VideoSampleReaderCacheThreads, AReleaseWaitsForAnOpen) {
 TEST(VideoSampleReaderCacheThreads, AFailureToOpenLetsGoOfTheLock) {
     UnguardedFactory factory;
     VideoSampleReaderCache cache(&factory);
-    OnAllThreads([&](int thread) {
+    OnAllThreads(Threads, [&](int thread) {
         for (int round = 0; round < Rounds; ++round) {
             if (thread % 2 == 0) {
                 EXPECT_THROW(cache.AcquireDecoder("broken.mp4", 0, false), std::runtime_error);

@@ -9,6 +9,8 @@
 
 #include "platform/mf/DXGIDeviceManager.h"
 #include "platform/win32/Version.h"
+#include "tests/zanthe/core/NamedDecoder.h"
+#include "tests/zanthe/core/PlainReader.h"
 #include "zanthe/core/VideoDecoderToVideoSampleReader.h"
 
 using testing::ElementsAre;
@@ -16,44 +18,12 @@ using testing::ElementsAre;
 namespace Zanthe {
 namespace {
 
-class NamedDecoder : public VideoDecoder {
-public:
-    explicit NamedDecoder(std::string name)
-        : m_name(std::move(name)) {}
-
-    const std::string& Name() const { return m_name; }
-
-    // VideoDecoder
-    int outputWidth() const override { return 4; }
-
-    int outputHeight() const override { return 2; }
-
-    bool readFrame(MediaTime, unsigned char*, double&) override { return true; }
-
-private:
-    std::string m_name;
-};
-
-class NamedReader : public VideoSampleReader {
+class NamedReader final : public PlainReader {
 public:
     explicit NamedReader(std::string name)
         : m_name(std::move(name)) {}
 
     const std::string& Name() const { return m_name; }
-
-    // VideoSampleReader
-    int outputWidth() const override { return 4; }
-
-    int outputHeight() const override { return 2; }
-
-    VideoSample* readVideoSample(MediaTime, std::function<void(unsigned char*, int)>,
-                                 VideoSampleReaderFlags) override {
-        return nullptr;
-    }
-
-    bool requiresFlagSometimesToActuallyGetSamples() override { return false; }
-
-    bool requiresMediaOrientationTransformation() override { return false; }
 
 private:
     std::string m_name;
@@ -409,6 +379,18 @@ TEST_F(Dispatch, TheExportedFactoryTakesOverTheReferenceToo) {
     delete DecoderFactory::Create(DecoderOutputFormat::MemoryArgb32, &deviceManager, true);
     EXPECT_EQ(deviceManager.references, 0);
     EXPECT_EQ(deviceManager.added, 0);
+}
+
+TEST_F(Dispatch, AnH264ReaderHoldsTheDeviceManagerItself) {
+    CountedDeviceManager deviceManager;
+    std::unique_ptr<DecoderFactory> factory(
+        DecoderFactory::Create(DecoderOutputFormat::DeviceArgb32, &deviceManager, true));
+    std::unique_ptr<VideoSampleReader> reader(
+        factory->CreateVideoSampleReader("none.mp4", 0, false));
+    factory.reset();
+    EXPECT_EQ(deviceManager.references, 1);
+    reader.reset();
+    EXPECT_EQ(deviceManager.references, 0);
 }
 
 } // namespace

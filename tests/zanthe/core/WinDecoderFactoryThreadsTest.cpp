@@ -1,28 +1,18 @@
 #include <atomic>
 #include <memory>
 #include <stdexcept>
-#include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/support/OnAllThreads.h"
 #include "tests/zanthe/core/CountedReader.h"
+#include "tests/zanthe/core/NamedDecoder.h"
 #include "zanthe/core/WinDecoderFactory.h"
 
 class IDSChainManager {};
 
 namespace Zanthe {
 namespace {
-
-class PlainDecoder final : public VideoDecoder {
-public:
-    // VideoDecoder
-    int outputWidth() const override { return 4; }
-
-    int outputHeight() const override { return 2; }
-
-    bool readFrame(MediaTime, unsigned char*, double&) override { return true; }
-};
 
 // Backends without state of their own: what is shared is the factory's.
 class PlainRoutes final : public IDecoderRoutes {
@@ -32,11 +22,11 @@ public:
 
     // IDecoderRoutes
     std::unique_ptr<VideoDecoder> CreateLegacyRecording(const std::string&) const override {
-        return std::make_unique<PlainDecoder>();
+        return std::make_unique<NamedDecoder>("plain");
     }
 
     std::unique_ptr<VideoDecoder> CreateRecording(const std::string&, int) const override {
-        return std::make_unique<PlainDecoder>();
+        return std::make_unique<NamedDecoder>("plain");
     }
 
     std::unique_ptr<VideoDecoder> CreatePngMov(const std::string&, int) const override {
@@ -75,20 +65,15 @@ TEST(WinDecoderFactoryThreads, OneFactoryServesThemAll) {
     const auto open = [&factory](const char* path) {
         return std::unique_ptr<VideoSampleReader>(factory.CreateVideoSampleReader(path, 0, false));
     };
-    {
-        std::vector<std::jthread> threads;
-        for (int thread = 0; thread < 4; ++thread) {
-            threads.emplace_back([&open] {
-                for (int round = 0; round < 200; ++round) {
-                    for (const char* path :
-                         {"a.mp4", "a.mov", "a.avi", "a.brec", "a.orirec!Screen_Stream.avi"}) {
-                        EXPECT_EQ(open(path)->outputWidth(), 4);
-                    }
-                    EXPECT_THROW(open("a.gif"), std::runtime_error);
-                }
-            });
+    OnAllThreads(4, [&open](int) {
+        for (int round = 0; round < 200; ++round) {
+            for (const char* path :
+                 {"a.mp4", "a.mov", "a.avi", "a.brec", "a.orirec!Screen_Stream.avi"}) {
+                EXPECT_EQ(open(path)->outputWidth(), 4);
+            }
+            EXPECT_THROW(open("a.gif"), std::runtime_error);
         }
-    }
+    });
     EXPECT_EQ(living, 0);
 }
 

@@ -1,12 +1,11 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "platform/mf/MediaFormats.h"
+#include "tests/support/OnAllThreads.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestMedia.h"
 #include "tests/zanthe/h264/ScriptedOpening.h"
@@ -19,16 +18,6 @@ namespace {
 
 constexpr int Threads = 4;
 
-// Runs `work` with the numbers 0 to Threads - 1, all at once.
-template <typename Work>
-void OnAllThreads(const Work& work) {
-    std::vector<std::jthread> threads;
-    threads.reserve(Threads);
-    for (int thread = 0; thread < Threads; ++thread) {
-        threads.emplace_back([&work, thread] { work(thread); });
-    }
-}
-
 // A copy under a name that nobody has asked for, so that there is something to collect.
 std::string FreshCopy(const TemporaryFolder& folder, const std::string& name) {
     return folder.Write(name, ReadWholeFile(MadeMedia("h264/short-groups.mp4")));
@@ -40,7 +29,7 @@ TEST(SampleReaderThreads, ManyDecidersOfOneFile) {
     const TemporaryFolder folder;
     for (int round = 0; round < 10; ++round) {
         const std::string path = FreshCopy(folder, std::to_string(round) + ".mp4");
-        OnAllThreads([&](int) {
+        OnAllThreads(Threads, [&](int) {
             const KeyFrameCollectingSeekOrStepThroughDecider decider(path, 0, 0,
                                                                      MFVideoFormat_H264);
             EXPECT_FALSE(decider.NeedToSeekBetweenTimes(0, Group * 3 / 2));
@@ -53,7 +42,7 @@ TEST(SampleReaderThreads, OneDeciderAskedByMany) {
     const TemporaryFolder folder;
     const KeyFrameCollectingSeekOrStepThroughDecider decider(FreshCopy(folder, "a.mp4"), 0, 0,
                                                              MFVideoFormat_H264);
-    OnAllThreads([&](int) {
+    OnAllThreads(Threads, [&](int) {
         for (std::int64_t time = 1; time < Group; time += Group / 50) {
             EXPECT_FALSE(decider.NeedToSeekBetweenTimes(0, time)); // at first without a wait
         }
@@ -64,7 +53,7 @@ TEST(SampleReaderThreads, OneDeciderAskedByMany) {
 
 TEST(SampleReaderThreads, ADeciderThatGoesAtOnce) {
     const TemporaryFolder folder;
-    OnAllThreads([&](int thread) {
+    OnAllThreads(Threads, [&](int thread) {
         const std::string path = FreshCopy(folder, std::to_string(thread) + ".mp4");
         for (int round = 0; round < 20; ++round) {
             const KeyFrameCollectingSeekOrStepThroughDecider decider(path, 0, 0,
@@ -76,11 +65,11 @@ TEST(SampleReaderThreads, ADeciderThatGoesAtOnce) {
 TEST(SampleReaderThreads, GeometryAskedByMany) {
     const TemporaryFolder folder;
     const std::string path = FreshCopy(folder, "a.mp4");
-    OnAllThreads([&](int) { EXPECT_EQ(TrackGeometryOf(path).width, 192); });
+    OnAllThreads(Threads, [&](int) { EXPECT_EQ(TrackGeometryOf(path).width, 192); });
 }
 
 TEST(SampleReaderThreads, ManyReaders) {
-    OnAllThreads([&](int thread) {
+    OnAllThreads(Threads, [&](int thread) {
         const char* names[] = {"h264/plain.mp4", "h264/b-pyramid.mp4"};
         const std::unique_ptr<WinH264SampleReader> reader(WinH264SampleReader::create(
             MadeMedia(names[thread % 2]), 0, DecoderOutputFormat::MemoryArgb32, nullptr));
@@ -105,7 +94,7 @@ TEST(SampleReaderThreads, TheDeviceIsGivenBack) {
     };
     std::mutex opening; // a script serves one reader at a time
     const ScriptedOpening scripted(MakeScript(Pictures(3, 100)));
-    OnAllThreads([&](int) {
+    OnAllThreads(Threads, [&](int) {
         for (int round = 0; round < 50; ++round) {
             std::unique_ptr<WinH264SampleReader> reader;
             {

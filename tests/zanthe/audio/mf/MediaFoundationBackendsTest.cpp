@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/FixedVersion.h"
+#include "tests/support/SilentReader.h"
 #include "tests/support/TestMedia.h"
 #include "tests/zanthe/audio/mf/MockBackends.h"
 #include "zanthe/audio/mf/LegacyMFAudioReader.h"
@@ -21,14 +22,6 @@ using testing::Throw;
 
 namespace Zanthe {
 namespace {
-
-class SilentReader : public IAudioReader {
-public:
-    // IAudioReader
-    unsigned int FillAudioBuffer(std::int64_t, unsigned int, std::vector<float*>&) override {
-        return 0;
-    }
-};
 
 class Backends : public testing::Test {
 protected:
