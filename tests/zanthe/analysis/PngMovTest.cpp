@@ -73,7 +73,6 @@ TEST(IsMovWithPngVideo, AMemberIsNoFile) {
 TEST(IsMovWithPngVideo, AFileNamedAsAMemberIsReadItself) {
     const TemporaryFolder folder;
     EXPECT_TRUE(IsPngMov(folder.Write("a.mov!video0.mp4", PngMovBytes())));
-    EXPECT_FALSE(IsPngMov(folder.Write("a.mp4!video0.mov", PngMovBytes())));
 }
 
 TEST(IsMovWithPngVideo, ReadsRealFiles) {
