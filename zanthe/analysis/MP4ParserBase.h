@@ -117,6 +117,9 @@ protected:
     // Four characters.
     std::string ReadFourCharacters();
 
+    // Whether the walk was given up for its many boxes.
+    bool HasMetTooManyBoxes() const { return m_headersRead > m_headersAllowed; }
+
     // Throws when `count` tracks have been found and another one would be too many. Each costs
     // memory with whoever asks for them, while a hostile file has one for 8 bytes.
     static void RequireRoomForTrack(std::size_t count);
