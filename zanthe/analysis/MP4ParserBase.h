@@ -117,6 +117,10 @@ protected:
     // Four characters.
     std::string ReadFourCharacters();
 
+    // The version-and-flags word that a box's fields begin with; true when the version in its
+    // highest byte is 0, whatever the flags.
+    bool ReadIsVersion0();
+
     // Throws when `count` tracks have been found and another one would be too many. Each costs
     // memory with whoever asks for them, while a hostile file has one for 8 bytes.
     static void RequireRoomForTrack(std::size_t count);
