@@ -121,6 +121,10 @@ std::string MP4ParserBase::ReadFourCharacters() {
     return FourCharacters(ReadInteger<std::uint32_t>());
 }
 
+bool MP4ParserBase::ReadIsVersion0() {
+    return ReadInteger<std::uint32_t>() >> 24 == 0;
+}
+
 void MP4ParserBase::RequireRoomForTrack(std::size_t count) {
     if (count >= MaxTracks) {
         throw MP4ParseException();

@@ -119,6 +119,9 @@ protected:
 
     // Whether the walk was given up for its many boxes.
     bool HasMetTooManyBoxes() const { return m_headersRead > m_headersAllowed; }
+    // The version-and-flags word that a box's fields begin with; true when the version in its
+    // highest byte is 0, whatever the flags.
+    bool ReadIsVersion0();
 
     // Throws when `count` tracks have been found and another one would be too many. Each costs
     // memory with whoever asks for them, while a hostile file has one for 8 bytes.

@@ -153,6 +153,38 @@ TEST(MP4Parser, WithoutATrackHeaderADescriptionMakesARecord) {
     EXPECT_EQ(Codec(tracks[0]), "mp4a");
 }
 
+TEST(MP4Parser, WhateverTheHandlerOrTheCountARecordIsMade) {
+    const std::string unknown = Box("mdia", boxes::HandlerBox("text"));
+    EXPECT_EQ(TracksIn(Movie(Box("trak", unknown))), std::vector<MP4TrackInfo>(1));
+    const std::string none = SampleDescriptionBox(0, "");
+    EXPECT_EQ(TracksIn(Movie(Box("trak", none))), std::vector<MP4TrackInfo>(1));
+}
+
+// The boxes are told by their type alone.
+TEST(MP4Parser, HeadersAndDescriptionsCountWhereverTheyStand) {
+    const std::string description = SampleDescriptionBox(1, VisualEntry("hvc1", 64, 48));
+    const std::vector<MP4TrackInfo> outside =
+        TracksIn(boxes::FileType() + VideoHeader() + description);
+    ASSERT_EQ(outside.size(), 1u);
+    EXPECT_EQ(outside[0].trackId, 7);
+    EXPECT_EQ(Codec(outside[0]), "hvc1");
+    EXPECT_EQ(TracksIn(Movie(Box("mdia", VideoHeader()) + VideoHeader())).size(), 2u);
+}
+
+// Only inside `mdia`, and never directly inside a top-level box, does a handler tell of a track.
+TEST(MP4Parser, AHandlerElsewhereSaysNothing) {
+    const std::string handler = boxes::HandlerBox("vide");
+    EXPECT_EQ(TracksIn(Movie(Box("trak", VideoHeader() + handler))).at(0).type, 2);
+    EXPECT_EQ(TracksIn(boxes::FileType() + VideoHeader() + Box("mdia", handler)).at(0).type, 2);
+    EXPECT_EQ(TracksIn(Movie(VideoHeader() + Box("mdia", handler))).at(0).type, 0);
+}
+
+// Nothing has consumed the payload then, so what stands in it is walked like any container's.
+TEST(MP4Parser, ADescriptionOfNoEntriesIsWalked) {
+    const std::string description = SampleDescriptionBox(0, VideoHeader());
+    EXPECT_EQ(TracksIn(Movie(Box("trak", description))).size(), 2u);
+}
+
 TEST(MP4Parser, ATextTrackKeepsTypeAndCodec) {
     // A track header in its place would be taken for a track, were the entry not passed over.
     const std::string text = SampleDescriptionBox(1, Box("text", VideoHeader()));

@@ -115,6 +115,16 @@ TEST(MP4StreamTypes, ATrackWithoutAnythingRepeatsTheTypeToo) {
                 ElementsAre(Pair(2, ""), Pair(1, "mp4a"), Pair(1, "mp4a")));
 }
 
+// The boxes are told by their type alone: what stands where no track is goes to the next one.
+TEST(MP4StreamTypes, HeadersAndDescriptionsCountWhereverTheyStand) {
+    const std::string bare = Box("trak", "");
+    EXPECT_THAT(Of(boxes::FileType() + Entry("avc1") + Header(64, 48, 0) + Box("moov", bare)),
+                ElementsAre(Pair(0, "avc1")));
+    EXPECT_THAT(Of(Movie(Entry("mp4a") + Box("trak", Box("mdia", Header(0, 0, 0x100))))),
+                ElementsAre(Pair(1, "mp4a")));
+    EXPECT_THAT(Of(boxes::FileType() + Box("trak", Entry("png "))), ElementsAre(Pair(2, "png ")));
+}
+
 TEST(MP4StreamTypes, TheFirstOfSeveralEntriesIsTheCodec) {
     const std::string two =
         SampleDescriptionBox(2, Box("avc1", boxes::Zeros(8)) + Box("hvc1", boxes::Zeros(8)));

@@ -144,6 +144,55 @@ TEST(MediaOrientation, Version1MovieHeadersAreReadFourBytesTooLate) {
               (MP4Matrix{1, 3, 2, 4}));
 }
 
+// Where the payload starts depends on how the box's size is written.
+TEST(MediaOrientation, HeadersWithA64BitSize) {
+    constexpr std::int32_t one = boxes::One;
+    const boxes::Elements scale{2 * one, 0, 0, 0, 3 * one, 0, 0, 0, boxes::LastOne};
+    for (const std::uint32_t version : {0u, 1u}) {
+        TrackHeader header;
+        header.version = version;
+        header.matrix = boxes::Clockwise90;
+        header.width = 640 << 16;
+        header.height = 480 << 16;
+        const std::string wide = boxes::WideBox("tkhd", TrackHeaderBox(header).substr(8));
+        const MediaOrientation track = Of(Movie(Track(wide, "vide", NoDescription)));
+        EXPECT_EQ(RotationFromOrientation(track), 90) << version;
+        EXPECT_EQ(track.width, 640) << version;
+        EXPECT_EQ(track.height, 480) << version;
+    }
+    const std::string wide = boxes::WideBox("mvhd", MovieHeaderBox(0, scale).substr(8));
+    EXPECT_EQ(Of(Movie(wide)).matrix, (MP4Matrix{2, 0, 0, 3}));
+}
+
+// Only the version decides where the fields are, whatever flags stand beside it.
+TEST(MediaOrientation, FlagsAreNoVersion) {
+    const auto flagged = [](std::string box, char version) {
+        box.replace(8, 4, std::string(1, version) + "\xFF\xFF\xFF");
+        return box;
+    };
+    TrackHeader header;
+    header.matrix = boxes::Clockwise90;
+    EXPECT_EQ(RotationFromOrientation(
+                  Of(Movie(Track(flagged(TrackHeaderBox(header), 0), "vide", NoDescription)))),
+              90);
+    EXPECT_EQ(RotationFromOrientation(Of(Movie(flagged(MovieHeaderBox(0, boxes::Clockwise90), 0)))),
+              90);
+    header.version = 1;
+    for (const char version : {'\x01', '\x02', '\x80', '\xFF'}) {
+        EXPECT_EQ(RotationFromOrientation(Of(Movie(
+                      Track(flagged(TrackHeaderBox(header), version), "vide", NoDescription)))),
+                  90);
+    }
+}
+
+TEST(MediaOrientation, MovieHeadersCountWhereverTheyStandAndTheLastWins) {
+    const std::string half = MovieHeaderBox(0, boxes::Clockwise180);
+    const std::string quarter = MovieHeaderBox(0, boxes::Clockwise90);
+    EXPECT_EQ(RotationFromOrientation(Of(boxes::FileType() + quarter)), 90);
+    EXPECT_EQ(RotationFromOrientation(Of(Movie(half + boxes::Box("trak", quarter)))), 90);
+    EXPECT_EQ(RotationFromOrientation(Of(Movie(quarter + half))), 180);
+}
+
 TEST(MediaOrientation, TheLastVideoTrackCounts) {
     TrackHeader small;
     small.width = 32 << 16;
