@@ -228,6 +228,7 @@ TEST(Mp4v2, AFileOfNothingButSmallBoxesHasNoHandle) {
 TEST(Mp4v2, WhatIsNoMp4HasNoHandle) {
     const TemporaryFolder folder;
     EXPECT_EQ(MP4Read((folder / "none.mp4").c_str()), MP4_INVALID_FILE_HANDLE);
+    EXPECT_EQ(MP4Read(nullptr), MP4_INVALID_FILE_HANDLE);
     EXPECT_EQ(MP4Read(folder.Write("text.mp4", "no boxes").c_str()), MP4_INVALID_FILE_HANDLE);
     EXPECT_EQ(MP4Read(folder.Path().c_str()), MP4_INVALID_FILE_HANDLE);
     EXPECT_EQ(MP4Read(MadeMedia("tone-44100-stereo-vbr.mp3").c_str()), MP4_INVALID_FILE_HANDLE);

@@ -74,6 +74,13 @@ TEST(FitSizeToBounds, OneBoundIsReckonedInSinglePrecision) {
     EXPECT_GT(differing, 0);
 }
 
+// Half of 100 is 50, but 100 / 740 has no float, and 370 times the one beside it falls short of 50.
+TEST(FitSizeToBounds, OneBoundDividesBeforeItMultiplies) {
+    EXPECT_EQ(Fit(100, 740, 0, 370), Size(49, 370));
+    EXPECT_EQ(Fit(740, 100, 370, 0), Size(370, 49));
+    EXPECT_EQ(Fit(120, 760, 0, 380), Size(59, 380));
+}
+
 TEST(FitSizeToBounds, ProductsBeyond32Bits) {
     EXPECT_EQ(Fit(100000, 50000, 60000, 60000), Size(60000, 30000));
     EXPECT_EQ(Fit(Largest, Largest, Largest - 1, Largest - 1), Size(Largest - 1, Largest - 1));

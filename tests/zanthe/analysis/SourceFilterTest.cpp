@@ -79,6 +79,19 @@ TEST_F(SourceFilter, AlternateInstallMode) {
     EXPECT_EQ(SelectSourceFilter(L"a.x"), NoSource);
 }
 
+TEST_F(SourceFilter, AreCalledAlikeInEitherMode) {
+    EXPECT_STREQ(SourceFilterName(RecordingSource), "recording source");
+    EXPECT_STREQ(SourceFilterName(AlternateRecordingSource), "recording source");
+    EXPECT_STREQ(SourceFilterName(ImageSource), "image source");
+    EXPECT_STREQ(SourceFilterName(AlternateImageSource), "image source");
+    EXPECT_STREQ(SourceFilterName(FileSource), "file source");
+    EXPECT_STREQ(SourceFilterName(WindowsMediaSource), "Windows Media source");
+    EXPECT_STREQ(SourceFilterName(NoSource), "none");
+    GUID other = FileSource;
+    other.Data4[7] ^= 1;
+    EXPECT_EQ(SourceFilterName(other), nullptr);
+}
+
 TEST_F(SourceFilter, AlternateModeIsTheNumberOneAndNothingElse) {
     EXPECT_FALSE(IsAlternateInstallMode());
     for (const char* value : {"dword:0", "dword:2", "dword:11", "1", "one", ""}) {
