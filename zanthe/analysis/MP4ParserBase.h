@@ -119,6 +119,7 @@ protected:
 
     // Whether the walk was given up for its many boxes.
     bool HasMetTooManyBoxes() const { return m_headersRead > m_headersAllowed; }
+
     // The version-and-flags word that a box's fields begin with; true when the version in its
     // highest byte is 0, whatever the flags.
     bool ReadIsVersion0();
