@@ -87,7 +87,6 @@ void MP4Parser::ReadSampleEntries(const MP4BoxHeader& header, std::uint32_t coun
         const std::uint64_t entryStart = m_reader->GetPosition();
         const auto entrySize = ReadInteger<std::uint32_t>();
         const std::string format = ReadFourCharacters();
-        track.codec.fill('\0');
         std::copy(format.begin(), format.end(), track.codec.begin());
         if (format == "avc1") {
             ReadAvc1(track, entryStart, entrySize);

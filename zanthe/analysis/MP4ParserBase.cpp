@@ -153,9 +153,7 @@ std::string MP4ParserBase::ReadHandlerType() {
     }
     // Nobody uses the name, and it may claim any length: it has to be there, not in memory. In a
     // box shorter than its fields the difference wraps round, to more than any file has.
-    const std::uint64_t nameSize = CurrentBox().size - fixedFields;
-    RequireRemaining(nameSize);
-    Skip(nameSize);
+    RequireRemaining(CurrentBox().size - fixedFields);
     return type;
 }
 

@@ -138,8 +138,8 @@ protected:
     const MP4BoxHeader& CurrentBox() const { return m_boxStack.back(); }
 
     // Reads the payload of a `hdlr` box, the current one, and answers its handler type
-    // ("vide", "soun", ...). The name at its end is passed over, with a length that counts the
-    // box's header as if it were not there. So as many bytes must exist behind the box as its
+    // ("vide", "soun", ...). The name at its end only has to be there, with a length that counts
+    // the box's header as if it were not there. So as many bytes must exist behind the box as its
     // header has, 8, or 16 with a 64-bit size; a `hdlr` that ends the file throws.
     std::string ReadHandlerType();
 

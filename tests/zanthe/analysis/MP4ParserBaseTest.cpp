@@ -211,9 +211,14 @@ TEST(MP4Walk, AHeaderCutShortThrows) {
     }
 }
 
-TEST(MP4Walk, ABoxThatEndsWhereItBeginsThrows) {
-    EXPECT_TRUE(Fails(Header("mdat", 1) + U64(0) + Zeros(100)));
-    EXPECT_TRUE(Fails(Box("moov", Header("free", 1) + U64(0) + Zeros(100))));
+TEST(MP4Walk, ABoxThatEndsWhereItBeginsThrowsAtOnce) {
+    const std::string still = Header("free", 1) + U64(0) + Zeros(100);
+    Recorder outside = Over(still);
+    EXPECT_THROW(outside.Parse(L""), MP4ParseException);
+    EXPECT_THAT(outside.Types(), ElementsAre());
+    Recorder inside = Over(Box("moov", still));
+    EXPECT_THROW(inside.Parse(L""), MP4ParseException);
+    EXPECT_THAT(inside.Types(), ElementsAre("moov"));
 }
 
 TEST(MP4Walk, ABoxWhoseEndWrapsRoundThrows) {
@@ -359,6 +364,7 @@ TEST(MP4Walk, BytesThatTheFileHasNotAreNotAllocated) {
         EXPECT_EQ(recorder.ReadBytes(8).size(), 8u);
         recorder.Reader().Seek(1000);
         EXPECT_THROW(recorder.ReadBytes(1), MP4ParseException);
+        EXPECT_THROW(recorder.ReadBytes(std::uint64_t{1} << 62), MP4ParseException);
     };
     recorder.Parse(L"");
 }

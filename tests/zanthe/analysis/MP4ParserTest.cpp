@@ -248,6 +248,15 @@ TEST(MP4Parser, FewerThanEightBytesAtTheEndOfAnEntryAreNoChild) {
     }
 }
 
+// A header without fields: those are then read from behind the entry.
+TEST(MP4Parser, EightBytesAtTheEndOfAnEntryAreAChild) {
+    const std::string entry = VisualEntry("avc1", 64, 48, boxes::Header("pasp", 8));
+    const MP4TrackInfo track =
+        TrackOf(SampleDescriptionBox(1, entry + boxes::U32(3) + boxes::U32(2)));
+    EXPECT_EQ(track.parWidth, 3);
+    EXPECT_EQ(track.parHeight, 2);
+}
+
 TEST(MP4Parser, AChildThatCannotMoveFails) {
     const std::string children = boxes::Header("avcC", 1) + boxes::U64(0) + boxes::Zeros(100);
     EXPECT_TRUE(Fails(Movie(Track(
@@ -324,6 +333,19 @@ TEST(MP4Parser, AHandlerReadsAsFarBehindItselfAsItsHeaderIsLong) {
     EXPECT_TRUE(Fails(fileWith(Box("hdlr", payload), "")));
     EXPECT_EQ(TracksIn(fileWith(boxes::WideBox("hdlr", payload), eight + eight)).at(0).type, 1);
     EXPECT_TRUE(Fails(fileWith(boxes::WideBox("hdlr", payload), eight)));
+}
+
+// The boxes around the handler end at its payload, which then passes for a box that runs to the end
+// of the file: so nothing but the handler decides how much must follow it.
+TEST(MP4Parser, AHandlerNeedsNeitherMoreNorLessBehindItself) {
+    const std::string payload = boxes::HandlerBox("soun").substr(8);
+    const std::string file = boxes::FileType() + boxes::Header("moov", 32) +
+                             boxes::Header("trak", 24) + boxes::Header("mdia", 16) +
+                             boxes::Header("hdlr", 8 + payload.size()) + payload;
+    for (std::size_t behind = 0; behind < 8; ++behind) {
+        EXPECT_TRUE(Fails(file + boxes::Zeros(behind))) << behind;
+    }
+    EXPECT_EQ(TracksIn(file + boxes::Zeros(8)).at(0).type, 1);
 }
 
 TEST(MP4Parser, TracksHaveAnEnd) {

@@ -80,13 +80,13 @@ TEST(MP4StreamTypes, TracksHaveAnEnd) {
 }
 
 TEST(MP4StreamTypes, WithoutAHandlerTheTrackHeaderDoes) {
-    const std::string file = Movie(WithoutHandler(Header(64, 48, 0x100), "a   ") +
-                                   WithoutHandler(Header(64, 0, 0x100), "b   ") +
-                                   WithoutHandler(Header(0, 48, 0x100), "c   ") +
-                                   WithoutHandler(Header(64, 0, 0), "d   ") +
-                                   WithoutHandler(Header(0, 0, 0x0FF), "e   "));
+    const std::string file = Movie(
+        WithoutHandler(Header(64, 48, 0x100), "a   ") +
+        WithoutHandler(Header(64, 0, 0x100), "b   ") +
+        WithoutHandler(Header(0, 48, 0x100), "c   ") + WithoutHandler(Header(64, 0, 0), "d   ") +
+        WithoutHandler(Header(0, 0, 0x0FF), "e   ") + WithoutHandler(Header(0, 0, 0xFF00), "f   "));
     EXPECT_THAT(Of(file), ElementsAre(Pair(0, "a   "), Pair(1, "b   "), Pair(1, "c   "),
-                                      Pair(2, "d   "), Pair(2, "e   ")));
+                                      Pair(2, "d   "), Pair(2, "e   "), Pair(1, "f   ")));
 }
 
 // The fields of version 0 are looked for in version 1 too: what stands there are other fields. The

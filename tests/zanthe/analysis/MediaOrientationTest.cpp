@@ -36,6 +36,14 @@ std::string AudioTrack() {
     return Track(TrackHeaderBox(header), "soun", NoDescription);
 }
 
+// It has a size too, and is no video for it.
+std::string TextTrack() {
+    TrackHeader header;
+    header.width = 100 << 16;
+    header.height = 20 << 16;
+    return Track(TrackHeaderBox(header), "text", NoDescription);
+}
+
 MediaOrientation Read(const std::string& path) {
     return ReadMediaOrientation(win32::Utf8ToWide(path));
 }
@@ -93,6 +101,11 @@ TEST(MediaOrientation, RotationIsExactAndInOrder) {
     EXPECT_EQ(rotation({0, -1, -1, 0}), 0); // mirrored
     EXPECT_EQ(rotation({0, -1 + 0x1p-16, 1, 0}), 0);
     EXPECT_EQ(rotation({-1, 0, 0, 1}), 0);
+    for (const MP4Matrix& scaled :
+         {MP4Matrix{0, -2, 1, 0}, MP4Matrix{0, -1, 2, 0}, MP4Matrix{-2, 0, 0, -1},
+          MP4Matrix{-1, 0, 0, -2}, MP4Matrix{0, 2, -1, 0}, MP4Matrix{0, 1, -2, 0}}) {
+        EXPECT_EQ(rotation(scaled), 0);
+    }
     EXPECT_EQ(rotation(IdentityMatrix), 0);
 }
 
@@ -200,7 +213,7 @@ TEST(MediaOrientation, TheLastVideoTrackCounts) {
     small.matrix = boxes::Clockwise180;
     const std::string last = Track(TrackHeaderBox(small), "vide", NoDescription);
     const MediaOrientation orientation =
-        Of(Movie(VideoTrack(boxes::Clockwise90) + last + AudioTrack()));
+        Of(Movie(VideoTrack(boxes::Clockwise90) + last + AudioTrack() + TextTrack()));
     EXPECT_EQ(orientation.width, 32);
     EXPECT_EQ(orientation.height, 24);
     EXPECT_EQ(RotationFromOrientation(orientation), 180);
@@ -213,6 +226,7 @@ TEST(MediaOrientation, WithoutVideoTheMoviesTransformStays) {
     EXPECT_EQ(orientation.width, 0);
     EXPECT_EQ(orientation.height, 0);
     ExpectDefault(Of(Movie(AudioTrack())));
+    ExpectDefault(Of(Movie(TextTrack())));
 }
 
 // Only inside `mdia`, and never directly inside a top-level box, does a handler tell of a track.
