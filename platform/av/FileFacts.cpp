@@ -49,6 +49,14 @@ FileFacts FactsOf(const AVFormatContext& format) {
     return facts;
 }
 
+const char* CodecName(AVCodecID codec) {
+    return avcodec_get_name(codec);
+}
+
+bool HasDecoder(AVCodecID codec) {
+    return avcodec_find_decoder(codec) != nullptr;
+}
+
 std::optional<FileFacts> ReadFileFacts(const std::string& path) {
     FormatContextPtr format(avformat_alloc_context());
     if (OpenInput(format, path) < 0 || avformat_find_stream_info(format.get(), nullptr) < 0) {

@@ -36,4 +36,8 @@ FileFacts FactsOf(const AVFormatContext& format);
 // Thread-safety: safe from any thread.
 std::optional<FileFacts> ReadFileFacts(const std::string& path);
 
+// FFmpeg's name of a codec, "none" for AV_CODEC_ID_NONE; and whether it has a decoder.
+const char* CodecName(AVCodecID codec);
+bool HasDecoder(AVCodecID codec);
+
 } // namespace av

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "platform/win32/File.h"
 #include "platform/win32/Text.h"
@@ -9,23 +10,18 @@
 namespace av {
 
 std::unique_ptr<Mp4Boxes> Mp4Boxes::Open(const std::string& path) {
-    const HANDLE file = CreateFileW(win32::Utf8ToWide(path).c_str(), GENERIC_READ, FILE_SHARE_READ,
-                                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    return file == INVALID_HANDLE_VALUE ? nullptr : std::unique_ptr<Mp4Boxes>(new Mp4Boxes(file));
+    win32::OwnedHandle file = win32::OpenToRead(win32::Utf8ToWide(path).c_str());
+    return file == nullptr ? nullptr : std::unique_ptr<Mp4Boxes>(new Mp4Boxes(std::move(file)));
 }
 
-Mp4Boxes::Mp4Boxes(HANDLE file)
-    : m_file(file) {
+Mp4Boxes::Mp4Boxes(win32::OwnedHandle file)
+    : m_file(std::move(file)) {
     LARGE_INTEGER none;
     none.QuadPart = 0;
     LARGE_INTEGER end;
-    if (SetFilePointerEx(m_file, none, &end, FILE_END) != FALSE) {
+    if (SetFilePointerEx(m_file.get(), none, &end, FILE_END) != FALSE) {
         m_size = static_cast<std::uint64_t>(end.QuadPart);
     }
-}
-
-Mp4Boxes::~Mp4Boxes() {
-    CloseHandle(m_file);
 }
 
 void Mp4Boxes::ForEach(const Mp4Range& range, const std::function<bool(const Mp4Box&)>& call) {
@@ -63,7 +59,7 @@ std::optional<Mp4Box> Mp4Boxes::BoxAt(const Mp4Range& range) {
 
 std::optional<std::uint64_t> Mp4Boxes::Number(std::uint64_t position, unsigned int byteCount) {
     std::array<std::uint8_t, 8> bytes{};
-    if (!m_ahead.Read(m_file, position, bytes.data(), byteCount)) {
+    if (!m_ahead.Read(m_file.get(), position, bytes.data(), byteCount)) {
         return std::nullopt;
     }
     std::uint64_t number = 0;
@@ -75,7 +71,7 @@ std::optional<std::uint64_t> Mp4Boxes::Number(std::uint64_t position, unsigned i
 
 std::optional<std::string> Mp4Boxes::FourCharacters(std::uint64_t position) {
     std::string characters(4, '\0');
-    if (!m_ahead.Read(m_file, position, characters.data(), characters.size())) {
+    if (!m_ahead.Read(m_file.get(), position, characters.data(), characters.size())) {
         return std::nullopt;
     }
     return characters;

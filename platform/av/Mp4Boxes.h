@@ -10,7 +10,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/win32/Handle.h"
+#include "platform/win32/OwnedHandle.h"
 #include "platform/win32/ReadAhead.h"
 
 namespace av {
@@ -32,8 +32,6 @@ public:
     // Null where there is no regular file at `path` (UTF-8).
     static std::unique_ptr<Mp4Boxes> Open(const std::string& path);
 
-    ~Mp4Boxes();
-
     std::uint64_t Size() const { return m_size; }
 
     // How many boxes ForEach has come to so far.
@@ -50,11 +48,11 @@ public:
     std::optional<std::string> FourCharacters(std::uint64_t position);
 
 private:
-    explicit Mp4Boxes(HANDLE file);
+    explicit Mp4Boxes(win32::OwnedHandle file);
 
     std::optional<Mp4Box> BoxAt(const Mp4Range& range);
 
-    HANDLE m_file;
+    win32::OwnedHandle m_file;
     std::uint64_t m_size = 0;
     std::uint64_t m_count = 0;
     win32::ReadAhead m_ahead;

@@ -31,6 +31,12 @@ std::int64_t LayoutOf(const SoundFormat& format) {
     return mask;
 }
 
+void Clear(SoundConversion::Planes& planes) {
+    for (auto& plane : planes) {
+        plane.clear();
+    }
+}
+
 bool IsServed(const SoundFormat& format) {
     return format.rate > 0 && format.channels > 0 && format.channels <= 64 &&
            format.sample != AV_SAMPLE_FMT_NONE;
@@ -98,6 +104,8 @@ bool SoundConversion::Configure() {
 bool SoundConversion::Restart(std::int64_t at) {
     m_at = at;
     m_block.assign(PlaneCount(), {});
+    m_beginning.assign(PlaneCount(), {});
+    m_isBeginning = at == 0 && m_reach > 0;
     return (m_context != nullptr || Configure()) && swr_init(m_context.get()) >= 0;
 }
 
@@ -134,18 +142,30 @@ bool SoundConversion::ConvertPiece(const std::uint8_t* const* planes, int frames
 }
 
 bool SoundConversion::ConvertBlock(SoundBytes& out) {
-    std::vector<const std::uint8_t*> planes;
-    planes.reserve(m_block.size());
-    for (const auto& plane : m_block) {
-        planes.push_back(plane.data());
-    }
-    const auto frames =
-        static_cast<int>(m_block.front().size() / static_cast<std::size_t>(PlaneStride()));
-    const bool done = ConvertPiece(planes.data(), frames, out);
-    for (auto& plane : m_block) {
-        plane.clear();
-    }
+    const bool done = ConvertPiece(PlanesOf(m_block, 0).data(), FramesIn(m_block), out);
+    Clear(m_block);
     return done;
+}
+
+std::vector<const std::uint8_t*> SoundConversion::PlanesOf(const Planes& kept, int offset) const {
+    std::vector<const std::uint8_t*> planes;
+    planes.reserve(kept.size());
+    for (const auto& plane : kept) {
+        planes.push_back(plane.data() + static_cast<std::ptrdiff_t>(offset) * PlaneStride());
+    }
+    return planes;
+}
+
+int SoundConversion::FramesIn(const Planes& kept) const {
+    return static_cast<int>(kept.front().size() / static_cast<std::size_t>(PlaneStride()));
+}
+
+void SoundConversion::Keep(const std::vector<const std::uint8_t*>& planes, int frames,
+                           Planes& kept) const {
+    for (std::size_t i = 0; i < planes.size(); ++i) {
+        kept[i].insert(kept[i].end(), planes[i],
+                       planes[i] + static_cast<std::ptrdiff_t>(frames) * PlaneStride());
+    }
 }
 
 // No more than MostInPiece().
@@ -155,11 +175,32 @@ bool SoundConversion::Take(const std::vector<const std::uint8_t*>& planes, int f
     if (!m_inBlocks) {
         return ConvertPiece(planes.data(), frames, out);
     }
-    for (std::size_t i = 0; i < planes.size(); ++i) {
-        m_block[i].insert(m_block[i].end(), planes[i],
-                          planes[i] + static_cast<std::ptrdiff_t>(frames) * PlaneStride());
-    }
+    Keep(planes, frames, m_block);
     return m_at % kBlockFrames != 0 || ConvertBlock(out);
+}
+
+// The beginning is all of a sound that may be a short one, so it waits until it is not.
+bool SoundConversion::TakeOrKeep(const std::vector<const std::uint8_t*>& planes, int frames,
+                                 SoundBytes& out) {
+    if (!m_isBeginning) {
+        return Take(planes, frames, out);
+    }
+    Keep(planes, frames, m_beginning);
+    return FramesIn(m_beginning) < m_reach || TakeBeginning(out);
+}
+
+bool SoundConversion::TakeBeginning(SoundBytes& out) {
+    m_isBeginning = false;
+    const int frames = FramesIn(m_beginning);
+    for (int done = 0; done < frames;) {
+        const int count = std::min(frames - done, MostInPiece());
+        if (!Take(PlanesOf(m_beginning, done), count, out)) {
+            return false;
+        }
+        done += count;
+    }
+    Clear(m_beginning);
+    return true;
 }
 
 // One plane serves all channels to read silence from.
@@ -185,7 +226,7 @@ bool SoundConversion::Convert(const std::uint8_t* const* planes, int frames, Sou
                            : planes[i] + static_cast<std::ptrdiff_t>(done) * PlaneStride();
         }
         const int count = std::min(frames - done, MostInPiece());
-        if (!Take(piece, count, out)) {
+        if (!TakeOrKeep(piece, count, out)) {
             return false;
         }
         done += count;
@@ -197,9 +238,25 @@ bool SoundConversion::Finish(SoundBytes& out) {
     if (m_context == nullptr) {
         return false;
     }
+    if (m_isBeginning) {
+        return FramesIn(m_beginning) == 0 || FinishShort(out);
+    }
     const bool holdsPart = m_inBlocks && !m_block.front().empty();
     return (!holdsPart || ConvertBlock(out)) &&
            (m_from.rate == m_to.rate || ConvertPiece(nullptr, 0, out));
+}
+
+// Of a sound that is shorter than its filter FFmpeg gives too little, or nothing at all: it mirrors
+// what there is. Here silence follows it, and is cut off again.
+bool SoundConversion::FinishShort(SoundBytes& out) {
+    const std::int64_t end =
+        out.frames + av_rescale_rnd(FramesIn(m_beginning), m_to.rate, m_from.rate, AV_ROUND_UP);
+    if (!TakeBeginning(out) || !Convert(nullptr, static_cast<int>(m_reach), out) || !Finish(out)) {
+        return false;
+    }
+    out.frames = std::min(out.frames, end);
+    out.bytes.resize(static_cast<std::size_t>(out.frames) * static_cast<std::size_t>(m_frameBytes));
+    return true;
 }
 
 } // namespace av

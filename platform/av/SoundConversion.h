@@ -59,6 +59,9 @@ public:
     // Restart.
     bool Finish(SoundBytes& out);
 
+    // Bytes of input, plane by plane.
+    using Planes = std::vector<std::vector<std::uint8_t>>;
+
     int OutputFrameBytes() const { return m_frameBytes; }
 
 private:
@@ -68,9 +71,15 @@ private:
     std::size_t PlaneCount() const;
     int PlaneStride() const;
     int MostInPiece() const;
+    std::vector<const std::uint8_t*> PlanesOf(const Planes& kept, int offset) const;
+    int FramesIn(const Planes& kept) const;
+    void Keep(const std::vector<const std::uint8_t*>& planes, int frames, Planes& kept) const;
+    bool TakeOrKeep(const std::vector<const std::uint8_t*>& planes, int frames, SoundBytes& out);
+    bool TakeBeginning(SoundBytes& out);
     bool Take(const std::vector<const std::uint8_t*>& planes, int frames, SoundBytes& out);
     bool ConvertBlock(SoundBytes& out);
     bool ConvertPiece(const std::uint8_t* const* planes, int frames, SoundBytes& out);
+    bool FinishShort(SoundBytes& out);
     void MakeSilence();
 
     const SoundFormat m_from;
@@ -85,8 +94,12 @@ private:
     // of input meets the next depends on where that is, in the last digits. So the pieces are
     // blocks that lie where they lie, whoever restarts where.
     const bool m_inBlocks;
-    std::int64_t m_at = 0;                          // number of the next input frame
-    std::vector<std::vector<std::uint8_t>> m_block; // of each plane what has come of it
+    std::int64_t m_at = 0; // number of the next input frame
+    Planes m_block;        // what has come of it
+
+    // What has come since a restart at 0, until it is more than the filter reaches.
+    Planes m_beginning;
+    bool m_isBeginning = false;
 };
 
 } // namespace av

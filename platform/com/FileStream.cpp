@@ -5,7 +5,7 @@
 
 #include "platform/com/ReadingStream.h"
 #include "platform/com/StorageResult.h"
-#include "platform/win32/File.h"
+#include "platform/win32/OwnedHandle.h"
 
 namespace {
 
@@ -13,25 +13,15 @@ namespace {
 class OpenFile {
 public:
     explicit OpenFile(LPCWSTR path)
-        : m_file(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                             FILE_ATTRIBUTE_NORMAL, nullptr))
+        : m_file(win32::OpenToRead(path))
         , m_name(path) {
         LARGE_INTEGER size{};
-        if (IsOpen() && SetFilePointerEx(m_file, {}, &size, FILE_END) == TRUE) {
+        if (IsOpen() && SetFilePointerEx(m_file.get(), {}, &size, FILE_END) == TRUE) {
             m_size = static_cast<std::uint64_t>(size.QuadPart);
         }
     }
 
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-
-    ~OpenFile() {
-        if (IsOpen()) {
-            CloseHandle(m_file);
-        }
-    }
-
-    bool IsOpen() const { return m_file != INVALID_HANDLE_VALUE; }
+    bool IsOpen() const { return m_file != nullptr; }
 
     std::uint64_t Size() const { return m_size; }
 
@@ -41,12 +31,13 @@ public:
         LARGE_INTEGER place{};
         place.QuadPart = static_cast<LONGLONG>(position);
         DWORD done = 0;
-        return SetFilePointerEx(m_file, place, nullptr, FILE_BEGIN) == TRUE &&
-               ReadFile(m_file, buffer, byteCount, &done, nullptr) == TRUE && done == byteCount;
+        return SetFilePointerEx(m_file.get(), place, nullptr, FILE_BEGIN) == TRUE &&
+               ReadFile(m_file.get(), buffer, byteCount, &done, nullptr) == TRUE &&
+               done == byteCount;
     }
 
 private:
-    HANDLE m_file;
+    win32::OwnedHandle m_file;
     std::uint64_t m_size = 0;
     std::wstring m_name;
 };

@@ -176,7 +176,7 @@ SourceReader::SourceReader(std::string path, Settings settings, const av::FileFa
         stream.native = NativeTypeOf(described, facts.container);
         stream.current = CopyOf(*stream.native);
         if (described.kind == av::TrackKind::Video && described.ordinal == 0) {
-            stream.pictures = std::move(first);
+            stream.pictures.swap(first); // there is one such stream
         }
     }
 }

@@ -18,26 +18,21 @@ std::int64_t SizeOf(HANDLE file) {
 } // namespace
 
 std::shared_ptr<InputFile> InputFile::Open(LPCWSTR path) {
-    const HANDLE file = CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
-    return file != INVALID_HANDLE_VALUE ? std::make_shared<InputFile>(file) : nullptr;
+    win32::OwnedHandle file = win32::OpenToRead(path);
+    return file != nullptr ? std::make_shared<InputFile>(std::move(file)) : nullptr;
 }
 
-InputFile::InputFile(HANDLE file)
-    : m_file(file)
-    , m_size(SizeOf(file)) {}
-
-InputFile::~InputFile() {
-    CloseHandle(m_file);
-}
+InputFile::InputFile(win32::OwnedHandle file)
+    : m_file(std::move(file))
+    , m_size(SizeOf(m_file.get())) {}
 
 std::size_t InputFile::ReadAt(std::int64_t offset, void* buffer, std::size_t count) const {
     LARGE_INTEGER place{};
     place.QuadPart = offset;
     DWORD got = 0;
-    if (SetFilePointerEx(m_file, place, nullptr, FILE_BEGIN) == FALSE ||
-        ReadFile(m_file, buffer, static_cast<DWORD>(std::min(count, LargestRead)), &got, nullptr) ==
-            FALSE) {
+    if (SetFilePointerEx(m_file.get(), place, nullptr, FILE_BEGIN) == FALSE ||
+        ReadFile(m_file.get(), buffer, static_cast<DWORD>(std::min(count, LargestRead)), &got,
+                 nullptr) == FALSE) {
         return 0;
     }
     return got;

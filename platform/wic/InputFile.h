@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/win32/File.h"
+#include "platform/win32/OwnedHandle.h"
 
 namespace wic {
 
@@ -14,10 +14,9 @@ public:
     // Null where there is no regular file at `path` or it may not be read.
     static std::shared_ptr<InputFile> Open(LPCWSTR path);
 
-    explicit InputFile(HANDLE file);
+    explicit InputFile(win32::OwnedHandle file);
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
-    ~InputFile();
 
     // Bytes; what the file had when it was opened.
     std::int64_t Size() const { return m_size; }
@@ -27,7 +26,7 @@ public:
     std::size_t ReadAt(std::int64_t offset, void* buffer, std::size_t count) const;
 
 private:
-    HANDLE m_file;
+    win32::OwnedHandle m_file;
     std::int64_t m_size;
 };
 

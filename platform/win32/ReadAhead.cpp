@@ -32,6 +32,7 @@ bool ReadAhead::Fetch(HANDLE file, std::uint64_t position) {
     LARGE_INTEGER start;
     start.QuadPart = static_cast<std::int64_t>(position);
     DWORD got = 0;
+    m_length = 0; // a read that fails may have overwritten some of what was held
     if (SetFilePointerEx(file, start, nullptr, FILE_BEGIN) == FALSE ||
         ReadFile(file, m_bytes.data(), static_cast<DWORD>(m_bytes.size()), &got, nullptr) ==
             FALSE) {

@@ -19,8 +19,13 @@ public:
 
     // `work`, when given, outlives the reader.
     explicit MemoryStreamReader(std::string bytes, Work* work = nullptr)
-        : m_bytes(std::move(bytes))
+        : m_owned(std::move(bytes))
+        , m_bytes(m_owned)
         , m_work(work != nullptr ? work : &m_ownWork) {}
+
+    // Over bytes that outlive the reader.
+    explicit MemoryStreamReader(std::string_view bytes)
+        : m_bytes(bytes) {}
 
     void Open(const std::wstring&) override { m_position = 0; }
 
@@ -47,8 +52,9 @@ public:
     std::uint64_t GetPosition() override { return m_position; }
 
 private:
-    std::string m_bytes;
+    std::string m_owned;
+    std::string_view m_bytes; // m_owned, or somebody else's
     std::uint64_t m_position = 0;
     Work m_ownWork;
-    Work* m_work;
+    Work* m_work = &m_ownWork;
 };

@@ -19,7 +19,7 @@ namespace {
 // Puts the signals' handling back to what any program starts with.
 class Interrupts : public ::testing::Test {
 protected:
-    ~Interrupts() override {
+    void TearDown() override {
         for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
             std::signal(signal, SIG_DFL);
         }

@@ -171,11 +171,25 @@ TEST(ProgramAudio, RefusesTextThatIsNamedLikeSound) {
     ExpectRefused({in}, in + ": PacketReader() - m_formatContext->openInput failed");
 }
 
+TEST(ProgramAudio, SaysWhatStandsInTheWay) {
+    const std::string avi = MadeMedia("rec-sound.avi");
+    ExpectRefused({avi}, avi + ": no reader for its sound: Failed to create DSAudioChain; by its "
+                               "name the file goes to DirectShow, which this build does not have; "
+                               "its contents are avi");
+    TemporaryFolder folder;
+    const std::string whole = ReadWholeFile(MadeMedia("mp4-plain.mp4"));
+    const std::string cut = folder.Write("cut.mp4", whole.substr(0, whole.find("moov") - 4));
+    ExpectRefused({cut}, cut + ": no reader for its sound: Failed to create MediaFoundation "
+                               "resource; what is in the file cannot be read");
+}
+
 TEST(ProgramAudio, RefusesAKindOfFileThatHasNoReader) {
     TemporaryFolder folder;
     for (const char* name : {"clip.avi", "clip", "mp3", "clip.mp3.txt"}) {
         const std::string in = folder.Write(name, "x");
-        ExpectRefused({in}, in + ": no reader for its sound: Failed to create DSAudioChain");
+        ExpectRefused({in}, in + ": no reader for its sound: Failed to create DSAudioChain; by its "
+                                 "name the file goes to DirectShow, which this build does not "
+                                 "have; its contents are of no known kind");
     }
     for (const char* name : {"clip.mp4", "clip.WAV"}) {
         const std::string in = folder.Write(name, "x");

@@ -37,6 +37,26 @@ TEST_F(ProgramMembers, AreListedAsJson) {
                   {"name": "more", "storage": true, "size": 0}])"));
 }
 
+TEST_F(ProgramMembers, TheScreenStreamIsPointedOut) {
+    const std::string remark =
+        "remark            it is a legacy recording: its pictures are read by the name " + path +
+        "!Screen_Stream.avi\n";
+    EXPECT_THAT(RunProgram({"classify", path}).out, testing::HasSubstr(remark));
+    const auto json = nlohmann::json::parse(RunProgram({"classify", path, "--json"}).out);
+    EXPECT_EQ(json["remarks"].back(),
+              "it is a legacy recording: its pictures are read by the name " + path +
+                  "!Screen_Stream.avi");
+    EXPECT_THAT(RunProgram({"classify", path + "!Screen_Stream.avi"}).out,
+                testing::Not(testing::HasSubstr("legacy recording:")));
+}
+
+TEST_F(ProgramMembers, AMemberThatNoRecordingHasIsNoFile) {
+    const ProgramEnd end = RunProgram({"classify", path + "!Nothing.avi"});
+    EXPECT_EQ(end.status, 1);
+    EXPECT_EQ(end.err, "zanthe: " + path +
+                           "!Nothing.avi: no such file, and no member that recordings have\n");
+}
+
 TEST_F(ProgramMembers, OfAnyOtherFileAreNone) {
     const std::string text = folder.Write("text.mp4", "text");
     EXPECT_EQ(RunProgram({"classify", text}).out.find("  member "), std::string::npos);

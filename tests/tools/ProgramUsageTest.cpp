@@ -63,6 +63,8 @@ TEST(ProgramUsage, WrongUsageEndsWithTwo) {
     ExpectUsageError({"classify"}, "FILE");
     ExpectUsageError({"verify"}, "FILE");
     ExpectUsageError({"verify", "a.mp3", "--nonsense"}, "--nonsense");
+    ExpectUsageError({"classify", "a.mp3", "--json=false"}, "json");
+    ExpectUsageError({"verify", "a.mp3", "--audio=0"}, "audio");
 }
 
 TEST(ProgramUsage, WhatIsNotKnownIsNamedBeforeWhatIsMissing) {

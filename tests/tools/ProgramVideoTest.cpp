@@ -148,7 +148,7 @@ TEST(ProgramFrame, AWrongNameIsRemarkedOnWhenItIsRefused) {
     const std::string clip = folder.Write("clip.avi", ReadWholeFile(Clip()));
     const ProgramEnd end = RunProgram({"frame", clip, "--at", "0", "-o", folder / "out.png"});
     EXPECT_EQ(end.status, 1);
-    EXPECT_THAT(end.err, HasSubstr("the name says .avi, the contents say mov,mp4"));
+    EXPECT_THAT(end.err, HasSubstr("the name says .avi, the contents say MP4 or QuickTime"));
 }
 
 TEST(ProgramFrame, RefusesAFileWithoutPictures) {

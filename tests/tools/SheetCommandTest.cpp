@@ -1,6 +1,8 @@
 #include "tools/zanthe/SheetCommand.h"
 
+#include <algorithm>
 #include <sstream>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -47,10 +49,10 @@ bool ShowsSomething(const PngPicture& picture, const Program::Rect& area) {
 
 TEST(WriteSheet, EveryCellHasItsPictureAndItsTime) {
     TemporaryFolder folder;
-    std::vector<std::int64_t> starts;
-    for (int i = 0; i < 200; ++i) {
-        starts.push_back(i * 100'000);
-    }
+    std::vector<std::int64_t> starts(200);
+    std::generate(starts.begin(), starts.end(), [next = std::int64_t{0}]() mutable {
+        return std::exchange(next, next + 100'000);
+    });
     ScriptedVideo video(starts, 20'000'000);
     video.facts.duration = 20'000'000;
     const SheetRequest request = Request(folder);
@@ -153,7 +155,7 @@ TEST(WriteSheet, SoundIsAStripBelowThePictures) {
     TemporaryFolder folder;
     ScriptedVideo video({0}, 20'000'000);
     video.facts.duration = 20'000'000;
-    ScriptedSound sound(2 * Program::SheetSoundRate);
+    ScriptedSound sound(std::int64_t{2} * Program::SheetSoundRate);
     for (std::size_t i = 0; i < sound.planes[0].size(); ++i) { // silent, and then as loud as can be
         const bool loud = i > sound.planes[0].size() / 2;
         sound.planes[0][i] = loud ? (i % 2 == 0 ? 1.0F : -1.0F) : 0.0F;

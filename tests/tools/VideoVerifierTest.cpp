@@ -42,7 +42,7 @@ TEST(VideoVerifier, AnHonestVideoIsEqualInEveryOrder) {
     EXPECT_TRUE(found.Equal()) << Program::FractionText(found.first->read.time);
     EXPECT_EQ(found.pictures, 100);
     EXPECT_EQ(found.duration, End - 1);
-    const std::int64_t reads[] = {101, 100, 100, 144, 99 * 4, 8};
+    const std::int64_t reads[] = {101, 100, 100, 144, 396, 8};
     for (std::size_t kind = 0; kind < Program::VideoReadKinds; ++kind) {
         EXPECT_EQ(found.tallies[kind].reads, reads[kind]) << kind;
         EXPECT_EQ(found.tallies[kind].differences, 0) << kind;
@@ -144,7 +144,7 @@ TEST(VideoVerifier, WhatLiesBesideThePictureDoesNotMatter) {
     video.script = [&](std::size_t index, const Zanthe::MediaTime& time) {
         auto picture = video.Honest(time);
         if (picture) {
-            picture->sample->data()[16 * 4] = static_cast<unsigned char>(index);
+            picture->sample->data()[64] = static_cast<unsigned char>(index);
         }
         return picture;
     };

@@ -14,12 +14,14 @@
 #include "tools/zanthe/FileContents.h"
 #include "tools/zanthe/JsonLine.h"
 #include "tools/zanthe/MembersReport.h"
+#include "tools/zanthe/TimeText.h"
 
 namespace Program {
 
 namespace {
 
 using Zanthe::ClassifiedBackend;
+using Zanthe::ClassifiedContent;
 using Zanthe::ClassifiedOrientation;
 using Zanthe::ClassifiedPath;
 using Zanthe::ClassifiedRoute;
@@ -75,18 +77,18 @@ std::string CodecText(const std::string& codec) {
     return plain ? codec : '"' + Printable(codec) + '"';
 }
 
-std::string PixelAspectText(const ClassifiedTrack& track) {
-    if (!track.pixelAspect) {
-        return "not told for this codec";
-    }
-    const auto [width, height] = *track.pixelAspect;
+std::string PixelAspectText(const std::array<std::int32_t, 2>& aspect) {
+    const auto [width, height] = aspect;
     const std::int64_t divisor =
         std::max<std::int64_t>(std::gcd(std::int64_t{width}, std::int64_t{height}), 1);
     return std::to_string(width / divisor) + ':' + std::to_string(height / divisor);
 }
 
 std::string RouteText(const ClassifiedRoute& route) {
-    return route.isBuilt ? route.backend : route.backend + " (not in this build)";
+    if (!route.isBuilt) {
+        return route.backend + " (not in this build)";
+    }
+    return route.obstacle.empty() ? route.backend : route.backend + ", but " + route.obstacle;
 }
 
 void PrintRow(std::string_view name, std::string_view answer, std::ostream& out) {
@@ -108,12 +110,45 @@ void PrintBackends(const FileClassification& file, std::ostream& out) {
     PrintRow("this system", file.system62 ? "6.2 or later" : "below 6.2", out);
     PrintRow("audio route", RouteText(file.audioRoute), out);
     PrintRow("video route", RouteText(file.videoRoute), out);
+    if (!file.imageRoute.empty()) {
+        PrintRow("image route", file.imageRoute, out);
+    }
 }
 
+std::string ContentText(const ClassifiedContent& content) {
+    std::ostringstream text;
+    text << content.kind << ' ' << content.codec;
+    if (content.kind == "video") {
+        text << ", " << SizeText(content.width, content.height);
+        if (content.frameRate > 0) {
+            text << ", " << content.frameRate << " pictures a second";
+        }
+    } else {
+        text << ", " << content.sampleRate << " Hz, " << content.channels
+             << (content.channels == 1 ? " channel" : " channels");
+    }
+    return text.str();
+}
+
+// What decoders find, whatever the container.
+void PrintInside(const FileClassification& file, std::ostream& out) {
+    for (const ClassifiedContent& content : file.inside) {
+        PrintRow("inside", ContentText(content), out);
+    }
+    if (file.duration > 0) {
+        PrintRow("duration", ClockText(file.duration), out);
+    }
+}
+
+// The display size has the pixels' shape in it, and is told before the turn. Coded size and shape
+// are told of one codec alone.
 std::string PictureText(const ClassifiedTrack& track) {
-    return ", size before turning " + SizeText(track.width, track.height) + ", coded " +
-           SizeText(track.codedWidth, track.codedHeight) + ", pixel aspect " +
-           PixelAspectText(track) + ", matrix " + MatrixText(track.matrix);
+    std::string text = ", display size " + SizeText(track.width, track.height);
+    if (track.pixelAspect) {
+        text += ", coded " + SizeText(track.codedWidth, track.codedHeight) + ", pixel aspect " +
+                PixelAspectText(*track.pixelAspect);
+    }
+    return text + ", matrix " + MatrixText(track.matrix);
 }
 
 void PrintTrack(const ClassifiedTrack& track, std::ostream& out) {
@@ -124,10 +159,9 @@ void PrintTrack(const ClassifiedTrack& track, std::ostream& out) {
     if (track.displayName) {
         text += " \"" + *track.displayName + '"';
     }
-    if (track.kind != "audio") {
+    if (track.kind == "video") {
         text += PictureText(track);
-    }
-    if (track.kind != "video") {
+    } else if (track.kind == "audio") {
         text += ", volume " + std::to_string(track.volume);
     }
     PrintRow("  track " + std::to_string(track.id), text, out);
@@ -146,9 +180,12 @@ std::string OrientationText(const ClassifiedOrientation& orientation) {
     const bool sideways = orientation.rotation == 90 || orientation.rotation == 270;
     const std::string shown = sideways ? SizeText(orientation.height, orientation.width)
                                        : SizeText(orientation.width, orientation.height);
-    const std::string turn = "turn by " + std::to_string(orientation.rotation) + " degrees";
+    const std::string turn =
+        orientation.rotation == 0
+            ? "no turn"
+            : "turn by " + std::to_string(orientation.rotation) + " degrees clockwise";
     return MatrixText(orientation.matrix) + ", " +
-           (orientation.isPlainTurn ? turn + ", shown " + shown
+           (orientation.isPlainTurn ? turn + ", display size " + shown
                                     : "no plain turn (mirrored or skewed): " + turn);
 }
 
@@ -160,22 +197,36 @@ bool IsNamedMp4(const FileClassification& file) {
     return extension == ".mp4" || extension == ".mov";
 }
 
+bool HasPictures(const FileClassification& file) {
+    return std::any_of(file.tracks.begin(), file.tracks.end(),
+                       [](const ClassifiedTrack& track) { return track.kind == "video"; });
+}
+
 // What only files of the two names are asked for.
 void PrintMp4Answers(const FileClassification& file, std::ostream& out) {
     PrintRow("PNG QuickTime", YesOrNo(file.pngMov), out);
-    PrintRow("AAC in MP4", YesOrNo(file.aacInMp4), out);
+    PrintRow("AAC in MP4", file.aacInMp4 ? "yes (by the code mp4a)" : "no", out);
     if (!file.orientation) {
         PrintRow("orientation",
                  "unknown: " + (file.mp4Problem.empty() ? "a box that it stands in is damaged"
                                                         : file.mp4Problem),
                  out);
-    } else if (!file.tracks.empty()) {
+    } else if (HasPictures(file)) {
         PrintRow("orientation", OrientationText(*file.orientation), out);
     }
 }
 
+// Why it is none matters where one would take it for one.
+std::string Mp4Text(const FileClassification& file) {
+    if (file.mp4Problem.empty()) {
+        return "yes";
+    }
+    const bool isOne = file.contents == "MP4 or QuickTime" || IsNamedMp4(file);
+    return isOne ? "no: " + file.mp4Problem : "no";
+}
+
 void PrintMp4(const FileClassification& file, std::ostream& out) {
-    PrintRow("MP4", file.mp4Problem.empty() ? "yes" : "no: " + file.mp4Problem, out);
+    PrintRow("MP4", Mp4Text(file), out);
     for (const ClassifiedTrack& track : file.tracks) {
         PrintTrack(track, out);
     }
@@ -198,8 +249,14 @@ Json JsonOf(const ClassifiedBackend& backend) {
             {"below_6.2", BackendName(backend.mediaFoundationBelow62)}};
 }
 
+Json TextOrNull(const std::string& text) {
+    return text.empty() ? Json(nullptr) : Json(text);
+}
+
 Json JsonOf(const ClassifiedRoute& route) {
-    return {{"backend", route.backend}, {"built", route.isBuilt}};
+    return {{"backend", route.backend},
+            {"built", route.isBuilt},
+            {"obstacle", TextOrNull(route.obstacle)}};
 }
 
 Json JsonOf(const ClassifiedTrack& track) {
@@ -234,6 +291,24 @@ Json JsonOf(const ClassifiedOrientation& orientation) {
             {"height", orientation.height},
             {"rotation", orientation.rotation},
             {"plain_turn", orientation.isPlainTurn}};
+}
+
+Json JsonOf(const ClassifiedContent& content) {
+    if (content.kind == "audio") {
+        return {{"kind", content.kind},
+                {"codec", content.codec},
+                {"sample_rate", content.sampleRate},
+                {"channels", content.channels}};
+    }
+    Json json{{"kind", content.kind},
+              {"codec", content.codec},
+              {"width", content.width},
+              {"height", content.height},
+              {"frame_rate", nullptr}};
+    if (content.frameRate > 0) {
+        json["frame_rate"] = content.frameRate;
+    }
+    return json;
 }
 
 template <typename Element>
@@ -272,12 +347,16 @@ void PrintLines(const FileClassification& file, std::ostream& out) {
     }
     const std::string contents = ContentsOf(file);
     PrintRow("contents", contents.empty() ? "unknown" : contents, out);
-    PrintRow("subtype", file.subtype + " (by " + file.subtypeSource + ')', out);
-    PrintRow("source filter", file.sourceFilter + ' ' + file.sourceFilterId, out);
+    const bool isTold = file.subtypeSource != "nothing";
+    PrintRow("subtype", file.subtype + (isTold ? " (by " + file.subtypeSource + ')' : ""), out);
+    PrintRow("source filter",
+             file.sourceFilter + (file.sourceFilter == "none" ? "" : ' ' + file.sourceFilterId),
+             out);
     if (!file.preferredFilters.empty()) {
         PrintRow("preferred filters", Joined(file.preferredFilters), out);
     }
     PrintBackends(file, out);
+    PrintInside(file, out);
     PrintMp4(file, out);
     PrintMembers(file.parsed.container, out);
     for (const std::string& remark : file.remarks) {
@@ -299,6 +378,9 @@ void PrintJson(const FileClassification& file, std::ostream& out) {
                    {"system", file.system62 ? "6.2_or_later" : "below_6.2"},
                    {"audio_route", JsonOf(file.audioRoute)},
                    {"video_route", JsonOf(file.videoRoute)},
+                   {"image_route", TextOrNull(file.imageRoute)},
+                   {"inside", ArrayOf(file.inside)},
+                   {"duration_100ns", file.duration > 0 ? Json(file.duration) : Json(nullptr)},
                    {"mp4", Mp4JsonOf(file)},
                    {"members", MembersJson(file.parsed.container)},
                    {"remarks", file.remarks}},

@@ -1,9 +1,6 @@
 #include "tools/zanthe/ImageCommand.h"
 
-#include <array>
-#include <fstream>
 #include <memory>
-#include <string_view>
 
 #include "tools/zanthe/CommandError.h"
 #include "tools/zanthe/InputFile.h"
@@ -19,15 +16,6 @@
 namespace Program {
 
 namespace {
-
-// Readers of PDF look for the mark in the first kilobyte: some files have bytes before it.
-bool IsPdf(const std::string& path) {
-    std::array<char, 1024> start{};
-    std::ifstream stream(path, std::ios::binary);
-    stream.read(start.data(), start.size());
-    const std::string_view text(start.data(), static_cast<std::size_t>(stream.gcount()));
-    return text.find("%PDF-") != std::string_view::npos;
-}
 
 std::unique_ptr<Zanthe::IImageLoader> OpenPdf(const ImageRequest& request) {
     if (!request.size) {
@@ -86,7 +74,7 @@ void Report(const ImageRequest& request, bool isPdf, const Zanthe::Bitmap& bitma
 void RunImage(const ImageRequest& request, std::ostream& out) {
     RequireReadableFile(request.file);
     RequireOtherFile(request.file, request.output);
-    const bool isPdf = IsPdf(request.file);
+    const bool isPdf = Zanthe::LooksLikePdf(request.file);
     const std::unique_ptr<Zanthe::IImageLoader> loader =
         isPdf ? OpenPdf(request) : OpenStill(request);
     OutputFile output(request.output);

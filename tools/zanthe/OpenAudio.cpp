@@ -1,6 +1,7 @@
 #include "tools/zanthe/OpenAudio.h"
 
 #include "tools/zanthe/CommandError.h"
+#include "tools/zanthe/FileContents.h"
 #include "tools/zanthe/InputFile.h"
 #include "tools/zanthe/TrackChoice.h"
 #include "zanthe/analysis/FileClassification.h"
@@ -27,12 +28,18 @@ int TrackOf(const FileClassification& file, std::optional<int> asked) {
                                                   : asked.value_or(0);
 }
 
+// What the text of the backend does not say.
+std::string Explanation(const FileClassification& file) {
+    const std::string& obstacle = file.audioRoute.obstacle;
+    return obstacle.empty() ? MissingBackendText(file, file.audioRoute) : "; " + obstacle;
+}
+
 } // namespace
 
 OpenedSound OpenAudio(const std::string& path, const AudioChoice& choice) {
     RequireReadableFile(path);
+    const FileClassification file = Zanthe::ClassifyFile(path);
     try {
-        const FileClassification file = Zanthe::ClassifyFile(path);
         return {Zanthe::AudioMediaReaderFactory(path, TrackOf(file, choice.track), choice.rate)
                     .Create_AudioMediaReader(choice.recontainer),
                 RateOf(file, choice.rate)};
@@ -40,7 +47,8 @@ OpenedSound OpenAudio(const std::string& path, const AudioChoice& choice) {
         throw;
     } catch (const Zanthe::TextException& error) {
         // The backend that takes this kind of file, not the file, is what the text speaks of.
-        throw CommandError(path, std::string("no reader for its sound: ") + error.what());
+        throw CommandError(path, std::string("no reader for its sound: ") + error.what() +
+                                     Explanation(file));
     } catch (const std::exception& error) {
         throw CommandError(path, error.what());
     }

@@ -9,21 +9,6 @@ namespace {
 
 using Zanthe::FileClassification;
 
-std::string MissingBackendText(const FileClassification& file) {
-    const auto& route = file.videoRoute;
-    if (route.isBuilt || route.backend.empty()) {
-        return {};
-    }
-    const std::string contents = ContentsOf(file);
-    std::string text = "; by its name the file goes to " + route.backend +
-                       ", which this build does not have; its contents are ";
-    text += contents.empty() ? "of no known kind" : contents;
-    if (contents.ends_with(" picture")) {
-        text += ", which zanthe image reads";
-    }
-    return text;
-}
-
 // Members are taken apart by the classification, and all but one have no reader.
 std::string MemberText(const FileClassification& file) {
     if (file.parsed.member.empty() || file.parsed.kind == "screen video") {
@@ -47,7 +32,7 @@ std::string PngText(const FileClassification& file) {
 }
 
 std::string Explanation(const FileClassification& file) {
-    std::string text = MissingBackendText(file) + MemberText(file) + PngText(file);
+    std::string text = MissingBackendText(file, file.videoRoute) + MemberText(file) + PngText(file);
     for (const std::string& remark : file.remarks) {
         if (remark.rfind("the name ", 0) == 0) {
             text += "; " + remark;
@@ -84,8 +69,7 @@ CommandError VideoRefusal(const FileClassification& file, const std::string& rea
 }
 
 CommandError RecordingRefusal(const FileClassification& file) {
-    constexpr const char* quickTimeFamily = "mov,mp4,m4a,3gp,3g2,mj2";
-    if (file.contents != quickTimeFamily) {
+    if (file.contents != "MP4 or QuickTime") {
         return VideoRefusal(file, "it is no recording on MP4");
     }
     if (!file.streams.empty() && TracksOf(file, TrackKind::Pictures).empty()) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -25,42 +26,61 @@ using Remarks = std::vector<std::string>;
 
 struct NamedContents {
     std::string_view extension;
-    std::string_view contents; // those that go with it, blanks between them
+    std::string_view contents;    // that goes with it
+    std::string_view others = {}; // and another one that does
 };
 
-constexpr std::string_view QuickTimeFamily = "mov,mp4,m4a,3gp,3g2,mj2";
+constexpr std::string_view QuickTimeFamily = "MP4 or QuickTime";
 
 constexpr NamedContents KnownExtensions[] = {
     {"mp4", QuickTimeFamily},
     {"mov", QuickTimeFamily},
     {"m4a", QuickTimeFamily},
     {"brec", QuickTimeFamily},
+    {"m4v", QuickTimeFamily},
+    {"3gp", QuickTimeFamily},
+    {"3g2", QuickTimeFamily},
     {"mp3", "mp3"},
     {"wav", "wav"},
     {"avi", "avi"},
-    {"mpg", "mpeg mpegvideo"},
-    {"mpeg", "mpeg mpegvideo"},
+    {"mpg", "mpeg", "mpegvideo"},
+    {"mpeg", "mpeg", "mpegvideo"},
     {"mts", "mpegts"},
     {"m2ts", "mpegts"},
     {"wmv", "asf"},
     {"wma", "asf"},
     {"gif", "gif"},
-    {"png", "png picture"},
+    {"png", "png picture", "apng"},
     {"bmp", "bmp picture"},
     {"jpg", "jpeg picture"},
     {"jpeg", "jpeg picture"},
+    {"pdf", "pdf"},
 };
 
 std::string Extension(const FileClassification& file) {
     return win32::WideToUtf8(LowerCase(RecordingPath(win32::Utf8ToWide(file.path)).GetExtension()));
 }
 
-bool IsOneOf(std::string_view contents, std::string_view name) {
-    const std::size_t at = contents.find(name);
-    const auto isEdge = [&](std::size_t place) {
-        return place >= contents.size() || contents[place] == ' ';
+// Files that would be read under a name that sends them to another backend.
+void RemarkNameOfMp4(const FileClassification& file, Remarks& remarks) {
+    if (file.contents != QuickTimeFamily) {
+        return;
+    }
+    if (!file.videoRoute.isBuilt) {
+        remarks.push_back("the library goes by the name, which sends this file to " +
+                          file.videoRoute.backend +
+                          ": called .mp4 it would go to Media Foundation");
+    }
+    const std::string extension = Extension(file);
+    const auto isTurned = [](const ClassifiedTrack& track) {
+        const auto& matrix = track.matrix;
+        return track.kind == "video" && (matrix[1] != 0 || matrix[2] != 0 || matrix[0] < 0);
     };
-    return at != std::string_view::npos && (at == 0 || isEdge(at - 1)) && isEdge(at + name.size());
+    if (extension != "mp4" && extension != "mov" && extension != "brec" &&
+        std::any_of(file.tracks.begin(), file.tracks.end(), isTurned)) {
+        remarks.emplace_back("a track of pictures has a turn, which is heeded in files called .mp4 "
+                             "or .mov alone");
+    }
 }
 
 void RemarkContents(const FileClassification& file, Remarks& remarks) {
@@ -68,12 +88,8 @@ void RemarkContents(const FileClassification& file, Remarks& remarks) {
     const auto* known =
         std::find_if(std::begin(KnownExtensions), std::end(KnownExtensions),
                      [&](const NamedContents& each) { return each.extension == extension; });
-    if (known == std::end(KnownExtensions) && file.contents == QuickTimeFamily) {
-        remarks.emplace_back("the name does not say that this is an MP4 or QuickTime file, and the "
-                             "library goes by the name");
-        return;
-    }
-    if (known == std::end(KnownExtensions) || IsOneOf(known->contents, file.contents)) {
+    if (known == std::end(KnownExtensions) || known->contents == file.contents ||
+        (!file.contents.empty() && known->others == file.contents)) {
         return;
     }
     remarks.push_back("the name says ." + extension + ", the contents " +
@@ -99,8 +115,20 @@ std::string Quoted(const std::string& characters) {
     return '"' + text.str() + '"';
 }
 
+// What a box may be called; Apple's begin with a letter beyond ASCII.
+bool IsBoxType(const std::string& type) {
+    return std::all_of(type.begin(), type.end(), [](char each) {
+        const auto byte = static_cast<unsigned char>(each);
+        return std::isalnum(byte) != 0 || byte == ' ' || byte == '-' || byte == '_' || byte == 0xA9;
+    });
+}
+
 void RemarkEnd(const MP4TopLevel& walk, Remarks& remarks) {
-    if (const auto& box = walk.Beyond()) {
+    if (const auto& box = walk.Beyond(); box && !IsBoxType(box->type)) {
+        remarks.push_back(BytesText(walk.FileSize() - box->offset) +
+                          " behind the last box, from byte " + std::to_string(box->offset) +
+                          " on, are no box");
+    } else if (box) {
         remarks.push_back("the " + Quoted(box->type) + " box at byte " +
                           std::to_string(box->offset) + " ends " +
                           BytesText(box->End() - walk.FileSize()) +
@@ -114,6 +142,11 @@ void RemarkEnd(const MP4TopLevel& walk, Remarks& remarks) {
 // The library gives up a file for a few stray bytes, so it matters to know of them.
 void RemarkWalkThatFailed(const MP4TopLevel& walk, Remarks& remarks) {
     const std::uint64_t stopped = walk.Stopped();
+    if (walk.HasMetTooManyBoxes()) {
+        remarks.push_back("the walk over the boxes stops at byte " + std::to_string(stopped) +
+                          ": there are more of them than are read of one file");
+        return;
+    }
     if (stopped < walk.FileSize()) {
         remarks.push_back("the walk over the boxes stops at byte " + std::to_string(stopped) +
                           ", " + BytesText(walk.FileSize() - stopped) +
@@ -128,7 +161,11 @@ void RemarkBoxes(const FileClassification& file, Remarks& remarks) {
         walk.Parse(container);
         RemarkEnd(walk, remarks);
         if (!file.mp4Problem.empty()) {
-            remarks.emplace_back("what stops the walk over the boxes stands inside the moov box");
+            remarks.emplace_back(
+                file.tracks.size() >= MP4ParserBase::MaxTracks
+                    ? "there are more tracks than the " + std::to_string(MP4ParserBase::MaxTracks) +
+                          " that are read of one file"
+                    : "what stops the walk over the boxes stands inside the moov box");
         }
     } catch (const MP4ParseException&) {
         if (walk.FileSize() > 0) {
@@ -180,6 +217,16 @@ void RemarkAac(const FileClassification& file, Remarks& remarks) {
                                  "AAC in MP4");
 }
 
+// Tracks of all kinds are counted in one row.
+void RemarkKindOfMember(std::int32_t kind, const FileClassification& file, Remarks& remarks) {
+    const ClassifiedTrack& track = file.tracks[static_cast<std::size_t>(file.parsed.stream)];
+    const std::string_view asked = kind == NumberedAudio ? "audio" : "video";
+    if (track.kind != asked) {
+        remarks.push_back("track " + std::to_string(file.parsed.stream) + ", counted from 0, is " +
+                          track.kind + ", not " + std::string(asked));
+    }
+}
+
 // A number is one character, whatever follows it.
 void RemarkMember(const FileClassification& file, Remarks& remarks) {
     const ClassifiedPath& path = file.parsed;
@@ -207,6 +254,10 @@ void RemarkMember(const FileClassification& file, Remarks& remarks) {
         (path.stream < 0 || static_cast<std::size_t>(path.stream) >= file.tracks.size())) {
         remarks.push_back("the recording has no such track: it has " +
                           std::to_string(file.tracks.size()) + ", counted from 0");
+        return;
+    }
+    if (extension == "brec" && file.mp4Problem.empty()) {
+        RemarkKindOfMember(kind, file, remarks);
     }
 }
 
@@ -216,6 +267,7 @@ std::vector<std::string> RemarksOn(const FileClassification& file) {
     Remarks remarks;
     RemarkMember(file, remarks);
     RemarkContents(file, remarks);
+    RemarkNameOfMp4(file, remarks);
     RemarkBoxes(file, remarks);
     RemarkTracks(file, remarks);
     RemarkCodecs(file, remarks);

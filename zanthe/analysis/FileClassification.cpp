@@ -8,6 +8,7 @@
 #include "platform/win32/Text.h"
 #include "zanthe/analysis/BrecStreamOrdinal.h"
 #include "zanthe/analysis/ClassificationBackends.h"
+#include "zanthe/analysis/ClassificationInside.h"
 #include "zanthe/analysis/ClassificationMp4.h"
 #include "zanthe/analysis/ClassificationRemarks.h"
 #include "zanthe/analysis/FileSignature.h"
@@ -55,12 +56,15 @@ ClassifiedPath ParsePath(const std::wstring& path) {
     return parsed;
 }
 
-// Formats of single pictures are called "png_pipe" and so on.
+// Formats of single pictures are called "png_pipe" and so on, and some by all their endings.
 std::string ContentsName(const std::string& container) {
     constexpr std::string_view pipe = "_pipe";
     const std::string name = av::ContentsOf(win32::ExistingPath(container));
     const std::size_t at = name.rfind(pipe);
     const bool picture = at != std::string::npos && at + pipe.size() == name.size();
+    if (name == "mov,mp4,m4a,3gp,3g2,mj2") {
+        return "MP4 or QuickTime";
+    }
     return picture ? name.substr(0, at) + " picture" : name;
 }
 
@@ -88,6 +92,7 @@ FileClassification ClassifyFile(const std::string& path, int videoStream) {
     ClassifyFilters(widePath, result);
     ClassifyMp4(result);
     ClassifyBackends(videoStream, result);
+    ClassifyInside(result);
     result.remarks = RemarksOn(result);
     return result;
 }

@@ -42,10 +42,25 @@ struct ClassifiedBackend {
 
 // The backend that reads a file on this system.
 struct ClassifiedRoute {
-    std::string backend;  // as FileClassification says
-    bool isBuilt = false; // whether this build of the library has it; else the file fails to open
+    std::string backend;    // as FileClassification says
+    bool isBuilt = false;   // whether this build of the library has it; else the file fails to open
+    std::string obstacle{}; // why it will not serve the file, though it is built; empty: nothing
+                            // that the headers tell
 
     friend bool operator==(const ClassifiedRoute&, const ClassifiedRoute&) = default;
+};
+
+// One stream of sound or pictures as decoders see it, whatever the container.
+struct ClassifiedContent {
+    std::string kind;     // "video" or "audio"
+    std::string codec;    // FFmpeg's name of it, as "h264"; "none": not known
+    int width = 0;        // of video as coded, in pixels; so is height
+    int height = 0;       //
+    double frameRate = 0; // of video, pictures a second; 0: unknown
+    int sampleRate = 0;   // of sound, Hz
+    int channels = 0;     // of sound
+
+    friend bool operator==(const ClassifiedContent&, const ClassifiedContent&) = default;
 };
 
 // One track of an MP4 or QuickTime file, as media detection has it.
@@ -98,7 +113,7 @@ struct FileClassification {
     ClassifiedPath parsed;
 
     // What the first bytes are, whatever the name says: the name of a container or picture format,
-    // as "mov,mp4,m4a,3gp,3g2,mj2", "mp3" or "png picture". Empty where nothing is recognised.
+    // as "MP4 or QuickTime", "mp3" or "png picture". Empty where nothing is recognised.
     std::string contents;
 
     std::string subtype;        // "MEDIASUBTYPE_Avi", ...
@@ -120,6 +135,15 @@ struct FileClassification {
     // "legacy recording decoder", "recording decoder", "PNG QuickTime decoder", "GIF decoder", or
     // "none: no decoder for it", which counts as built and fails to open all the same.
     ClassifiedRoute videoRoute;
+
+    // For a still picture: "image loader", which takes the first frame of an animation too, "PDF
+    // loader", or empty where neither reads the file.
+    std::string imageRoute;
+
+    // Sound and pictures in the order of the file, attached pictures left out. Empty for still
+    // pictures and for whatever cannot be opened.
+    std::vector<ClassifiedContent> inside;
+    std::int64_t duration = 0; // of these, in 100 ns; 0: unknown
 
     bool pngMov = false;   // a ".mov" with PNG pictures
     bool aacInMp4 = false; // an MP4 whose first sound track is "mp4a"

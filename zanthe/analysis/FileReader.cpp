@@ -2,30 +2,27 @@
 
 #include <limits>
 #include <string_view>
+#include <utility>
 
 #include "platform/win32/File.h"
 #include "zanthe/analysis/MP4ParseException.h"
 
 void FileReader::Open(const std::wstring& path) {
-    m_file.reset(OpenHandle(path));
+    auto file = MayOpenPlainly() ? win32::OpenToRead(path.c_str()) : nullptr;
+    if (file == nullptr) {
+        throw MP4ParseException();
+    }
+    m_file = std::move(file);
     m_position = 0;
     m_ahead = {};
     RequireFileType();
     Seek(0);
 }
 
-HANDLE FileReader::OpenHandle(const std::wstring& path) const {
-    // A transaction needs CreateFileTransactedW, a call that kernel32.dll of a few systems exports
-    // and this one does not, so a file inside a transaction is out of reach.
-    if (m_context != nullptr && (m_context->transaction != nullptr || !m_context->openPlainly)) {
-        throw MP4ParseException();
-    }
-    const HANDLE handle = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) {
-        throw MP4ParseException();
-    }
-    return handle;
+// A transaction needs CreateFileTransactedW, a call that kernel32.dll of a few systems exports and
+// this one does not, so a file inside a transaction is out of reach.
+bool FileReader::MayOpenPlainly() const {
+    return m_context == nullptr || (m_context->transaction == nullptr && m_context->openPlainly);
 }
 
 void FileReader::RequireFileType() {

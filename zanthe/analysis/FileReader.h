@@ -5,10 +5,9 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 
-#include "platform/win32/Handle.h"
+#include "platform/win32/OwnedHandle.h"
 #include "platform/win32/ReadAhead.h"
 #include "zanthe/analysis/IStreamReader.h"
 
@@ -43,17 +42,11 @@ public:
     std::uint64_t GetPosition() override;
 
 private:
-    struct Closer {
-        using pointer = HANDLE;
-
-        void operator()(HANDLE handle) const { CloseHandle(handle); }
-    };
-
-    HANDLE OpenHandle(const std::wstring& path) const;
+    bool MayOpenPlainly() const;
     void RequireFileType();
     void RequireOpen() const;
 
-    std::unique_ptr<HANDLE, Closer> m_file; // null until Open
+    win32::OwnedHandle m_file; // null until Open
     std::uint64_t m_position = 0;
     win32::ReadAhead m_ahead;
     const TransactionContext* m_context;

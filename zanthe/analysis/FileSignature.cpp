@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <string_view>
 
 #include "platform/dshow/Uuids.h"
 #include "platform/win32/File.h"
+#include "platform/win32/OwnedHandle.h"
 #include "zanthe/analysis/Extension.h"
 #include "zanthe/analysis/RecordingPath.h"
 
@@ -69,20 +69,6 @@ bool Holds(const FileSignatureCheck& check, const SignatureReader& read) {
     return true;
 }
 
-struct HandleCloser {
-    using pointer = HANDLE;
-
-    void operator()(HANDLE handle) const { CloseHandle(handle); }
-};
-
-using OwnedHandle = std::unique_ptr<HANDLE, HandleCloser>;
-
-OwnedHandle OpenForLooking(const std::wstring& path) {
-    return OwnedHandle(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                   OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_RANDOM_ACCESS,
-                                   nullptr));
-}
-
 bool ReadAt(HANDLE file, std::int64_t offset, std::uint32_t length, std::uint8_t* bytes) {
     LARGE_INTEGER distance;
     distance.QuadPart = offset;
@@ -131,8 +117,9 @@ DetectedSubtype DetectMediaSubtypeAndSource(const std::wstring& path) {
     if (EqualIgnoringCase(RecordingPath(path).GetExtension(), L"brec")) {
         return {MEDIASUBTYPE_None, SubtypeSource::Nothing};
     }
-    const OwnedHandle file = OpenForLooking(path);
-    if (file.get() == INVALID_HANDLE_VALUE) {
+    const win32::OwnedHandle file =
+        win32::OpenToRead(path.c_str(), FILE_ATTRIBUTE_NORMAL | FILE_FLAG_RANDOM_ACCESS);
+    if (file == nullptr) {
         return {MEDIASUBTYPE_None, SubtypeSource::Nothing};
     }
     const auto read = [&](std::int64_t offset, std::uint32_t length, std::uint8_t* bytes) {

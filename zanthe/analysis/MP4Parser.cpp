@@ -4,14 +4,6 @@
 
 namespace DSMediaDetNS {
 
-namespace {
-
-bool IsVersion0(std::uint32_t versionAndFlags) {
-    return versionAndFlags >> 24 == 0;
-}
-
-} // namespace
-
 // The readers of `tkhd` and `stsd` consume the payload and leave the position at the box's end, so
 // that they are containers without children.
 bool MP4Parser::IsContainer(const std::string& type) {
@@ -35,14 +27,14 @@ void MP4Parser::OnBoxBegin(const MP4BoxHeader& header) {
 // too late and finds the identity, unless the preview time behind the matrix happens to be
 // 0x40000000. Hosts place pictures by what has always come out of here; do not mend it.
 void MP4Parser::mvhd() {
-    const bool version0 = IsVersion0(ReadInteger<std::uint32_t>());
+    const bool version0 = ReadIsVersion0();
     Skip(version0 ? 36 : 48);
     m_movieMatrix = ReadMatrix();
 }
 
 void MP4Parser::tkhd() {
     MP4TrackInfo track;
-    const bool version0 = IsVersion0(ReadInteger<std::uint32_t>());
+    const bool version0 = ReadIsVersion0();
     const std::uint64_t timeSize = version0 ? 4 : 8;
     Skip(timeSize * 2); // creation and modification times
     track.trackId = ReadInteger<std::int32_t>();
@@ -95,7 +87,6 @@ void MP4Parser::ReadSampleEntries(const MP4BoxHeader& header, std::uint32_t coun
         const std::uint64_t entryStart = m_reader->GetPosition();
         const auto entrySize = ReadInteger<std::uint32_t>();
         const std::string format = ReadFourCharacters();
-        track.codec.fill('\0');
         std::copy(format.begin(), format.end(), track.codec.begin());
         if (format == "avc1") {
             ReadAvc1(track, entryStart, entrySize);

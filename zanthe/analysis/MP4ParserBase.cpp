@@ -121,6 +121,10 @@ std::string MP4ParserBase::ReadFourCharacters() {
     return FourCharacters(ReadInteger<std::uint32_t>());
 }
 
+bool MP4ParserBase::ReadIsVersion0() {
+    return ReadInteger<std::uint32_t>() >> 24 == 0;
+}
+
 void MP4ParserBase::RequireRoomForTrack(std::size_t count) {
     if (count >= MaxTracks) {
         throw MP4ParseException();
@@ -149,9 +153,7 @@ std::string MP4ParserBase::ReadHandlerType() {
     }
     // Nobody uses the name, and it may claim any length: it has to be there, not in memory. In a
     // box shorter than its fields the difference wraps round, to more than any file has.
-    const std::uint64_t nameSize = CurrentBox().size - fixedFields;
-    RequireRemaining(nameSize);
-    Skip(nameSize);
+    RequireRemaining(CurrentBox().size - fixedFields);
     return type;
 }
 

@@ -117,6 +117,13 @@ protected:
     // Four characters.
     std::string ReadFourCharacters();
 
+    // Whether the walk was given up for its many boxes.
+    bool HasMetTooManyBoxes() const { return m_headersRead > m_headersAllowed; }
+
+    // The version-and-flags word that a box's fields begin with; true when the version in its
+    // highest byte is 0, whatever the flags.
+    bool ReadIsVersion0();
+
     // Throws when `count` tracks have been found and another one would be too many. Each costs
     // memory with whoever asks for them, while a hostile file has one for 8 bytes.
     static void RequireRoomForTrack(std::size_t count);
@@ -131,8 +138,8 @@ protected:
     const MP4BoxHeader& CurrentBox() const { return m_boxStack.back(); }
 
     // Reads the payload of a `hdlr` box, the current one, and answers its handler type
-    // ("vide", "soun", ...). The name at its end is passed over, with a length that counts the
-    // box's header as if it were not there. So as many bytes must exist behind the box as its
+    // ("vide", "soun", ...). The name at its end only has to be there, with a length that counts
+    // the box's header as if it were not there. So as many bytes must exist behind the box as its
     // header has, 8, or 16 with a 64-bit size; a `hdlr` that ends the file throws.
     std::string ReadHandlerType();
 

@@ -1,12 +1,5 @@
 #include "zanthe/analysis/MP4ParserFindOrientation.h"
 
-namespace {
-
-// The highest version-and-flags word of a box of version 0.
-constexpr std::uint32_t LastOfVersion0 = 0x00FFFFFF;
-
-} // namespace
-
 MediaOrientation MP4ParserFindOrientation::Orientation() const {
     return {Multiply(m_movieMatrix, m_videoMatrix), m_videoWidth, m_videoHeight};
 }
@@ -26,18 +19,16 @@ void MP4ParserFindOrientation::OnBoxBegin(const MP4BoxHeader& header) {
 }
 
 void MP4ParserFindOrientation::tkhd() {
-    const auto versionAndFlags = ReadInteger<std::uint32_t>();
-    SeekInPayload(versionAndFlags > LastOfVersion0 ? 52 : 40);
+    SeekInPayload(ReadIsVersion0() ? 40 : 52);
     m_latestMatrix = ReadMatrix();
     m_latestWidth = ReadFixedInteger();
     m_latestHeight = ReadFixedInteger();
 }
 
 void MP4ParserFindOrientation::mvhd() {
-    const auto versionAndFlags = ReadInteger<std::uint32_t>();
     // In version 1 the matrix starts at 48. Reading from 52 gives the identity for nearly every
     // such movie, and that is the answer that hosts have always had for them.
-    SeekInPayload(versionAndFlags > LastOfVersion0 ? 52 : 36);
+    SeekInPayload(ReadIsVersion0() ? 36 : 52);
     m_movieMatrix = ReadMatrix();
 }
 

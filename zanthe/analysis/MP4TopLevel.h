@@ -19,6 +19,9 @@ public:
     // The box that claims to end behind the end of the file, if there is one: it is the last.
     const std::optional<MP4BoxHeader>& Beyond() const { return m_beyond; }
 
+    // As MP4ParserBase: what was given up is no damage that stands where the walk ended.
+    using MP4ParserBase::HasMetTooManyBoxes;
+
     // Bytes of the file; 0 before Parse.
     std::uint64_t FileSize() const { return m_fileSize; }
 

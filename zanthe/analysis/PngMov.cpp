@@ -18,7 +18,7 @@ bool Exists(const std::wstring& path) {
 }
 
 bool IsPngVideo(const MP4StreamType& stream) {
-    return stream.type == 0 && stream.codec == "png ";
+    return stream.type == MP4TrackType::Video && stream.codec == "png ";
 }
 
 bool HasPngVideo(const std::vector<MP4StreamType>& streams) {

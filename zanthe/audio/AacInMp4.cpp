@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "platform/win32/File.h"
+#include "platform/win32/OwnedHandle.h"
 #include "platform/win32/Path.h"
 #include "platform/win32/Text.h"
 #include "zanthe/analysis/Extension.h"
@@ -17,15 +18,13 @@ using FileStart = std::array<char, 20>;
 
 // The first bytes of the file; nothing where it cannot be opened or is shorter.
 std::optional<FileStart> ReadFileStart(const std::string& path) {
-    const HANDLE file = CreateFileW(win32::Utf8ToWide(path).c_str(), GENERIC_READ, FILE_SHARE_READ,
-                                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) {
+    const win32::OwnedHandle file = win32::OpenToRead(win32::Utf8ToWide(path).c_str());
+    if (file == nullptr) {
         return std::nullopt;
     }
     FileStart start{};
     DWORD bytesRead = 0;
-    const BOOL read = ReadFile(file, start.data(), start.size(), &bytesRead, nullptr);
-    CloseHandle(file);
+    const BOOL read = ReadFile(file.get(), start.data(), start.size(), &bytesRead, nullptr);
     return read != FALSE && bytesRead == start.size() ? std::optional(start) : std::nullopt;
 }
 

@@ -1,7 +1,10 @@
 #include "zanthe/images/PdfImageLoader.h"
 
+#include <array>
 #include <cstring>
+#include <fstream>
 #include <stdexcept>
+#include <string_view>
 
 #include <boost/make_shared.hpp>
 
@@ -15,6 +18,14 @@ constexpr int FirstPage = 1;
 constexpr int BytesPerPixel = 4;
 
 } // namespace
+
+bool LooksLikePdf(const std::string& path) {
+    std::array<char, 1024> start{};
+    std::ifstream stream(path, std::ios::binary);
+    stream.read(start.data(), start.size());
+    const std::string_view text(start.data(), static_cast<std::size_t>(stream.gcount()));
+    return text.find("%PDF-") != std::string_view::npos;
+}
 
 PdfImageLoader::PdfImageLoader(const std::string& path, int value)
     : m_document(boost::make_shared<Vellum::Pdf>(path))

@@ -18,6 +18,10 @@ class Pdf;
 
 namespace Zanthe {
 
+// Whether the file at `path` (UTF-8) has a document's mark in its first kilobyte: some have bytes
+// before it. Thread-safety: safe from any thread.
+ZANTHE_API bool LooksLikePdf(const std::string& path);
+
 // A page has no size in pixels: it is stretched to the one that is asked for, and drawn anew for
 // every other. What it leaves unpainted is transparent.
 //

@@ -63,4 +63,67 @@ TEST_P(Conversion, IsTheSameFromALaterBeginning) {
 INSTANTIATE_TEST_SUITE_P(Rates, Conversion,
                          testing::Values(44100, 48000, 32000, 8000, 96000, 9999, 16001, 44001));
 
+// A constant, whose value a filter keeps where it has all of its neighbours.
+std::vector<float> ConvertShort(int rate, int frames) {
+    const std::vector<float> input(std::size_t{2} * static_cast<std::size_t>(frames), 0.5F);
+    const auto conversion = av::SoundConversion::Create(Stereo(kFrom), Stereo(rate));
+    EXPECT_TRUE(conversion->Restart());
+    av::SoundBytes out;
+    for (int i = 0; i < frames; ++i) { // a frame at a time
+        const auto* bytes =
+            reinterpret_cast<const std::uint8_t*>(input.data() + std::ptrdiff_t{2} * i);
+        EXPECT_TRUE(conversion->Convert(&bytes, 1, out));
+    }
+    EXPECT_TRUE(conversion->Finish(out));
+    std::vector<float> samples(out.bytes.size() / sizeof(float));
+    std::memcpy(samples.data(), out.bytes.data(), out.bytes.size());
+    EXPECT_EQ(static_cast<std::int64_t>(samples.size()), 2 * out.frames);
+    return samples;
+}
+
+TEST_P(Conversion, ASoundShorterThanTheFilterComesOut) {
+    for (const int frames : {1, 2, 3, 4, 10, 15, 16, 17, 20, 31, 32, 33, 40, 64, 100, 400}) {
+        const std::vector<float> samples = ConvertShort(GetParam(), frames);
+        const double expected = static_cast<double>(frames) * GetParam() / kFrom;
+        ASSERT_NEAR(static_cast<double>(samples.size()) / 2, expected, 1.001) << frames;
+        ASSERT_FALSE(samples.empty()) << frames;
+        EXPECT_NE(samples[0], 0.0F) << frames;
+        EXPECT_LE(*std::max_element(samples.begin(), samples.end()), 1.0F) << frames;
+    }
+}
+
+TEST(ShortConversion, NothingStaysNothing) {
+    const auto conversion = av::SoundConversion::Create(Stereo(kFrom), Stereo(48000));
+    av::SoundBytes out;
+    EXPECT_TRUE(conversion->Restart());
+    EXPECT_TRUE(conversion->Finish(out));
+    EXPECT_EQ(out.frames, 0);
+}
+
+// A later beginning stands on what came before it, which is not there to be read.
+TEST(ShortConversion, TheEndOfASoundIsNotStretched) {
+    const auto conversion = av::SoundConversion::Create(Stereo(kFrom), Stereo(48000));
+    av::SoundBytes out;
+    EXPECT_TRUE(conversion->Restart(conversion->Step()));
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(Noise().data());
+    EXPECT_TRUE(conversion->Convert(&bytes, 3, out));
+    EXPECT_TRUE(conversion->Finish(out));
+    EXPECT_EQ(out.frames, 0);
+}
+
+TEST(ShortConversion, ManyConversionsInARowAreEachTheirOwn) {
+    const auto conversion = av::SoundConversion::Create(Stereo(kFrom), Stereo(48000));
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(Noise().data());
+    std::vector<std::uint8_t> first;
+    for (int turn = 0; turn < 3; ++turn) {
+        av::SoundBytes out;
+        EXPECT_TRUE(conversion->Restart());
+        EXPECT_TRUE(conversion->Convert(&bytes, 5, out));
+        EXPECT_TRUE(conversion->Finish(out));
+        EXPECT_EQ(out.frames, 6);
+        first = turn == 0 ? out.bytes : first;
+        EXPECT_EQ(out.bytes, first);
+    }
+}
+
 } // namespace

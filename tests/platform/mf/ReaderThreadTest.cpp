@@ -103,7 +103,7 @@ protected:
         EXPECT_EQ(mf::CreateAsyncReader(m_inner.Get(), m_callback.Get(), m_reader.Put()), S_OK);
     }
 
-    ~SlowReads() override { m_inner->LetGo(1000); }
+    void TearDown() override { m_inner->LetGo(1000); }
 
     HRESULT Ask(DWORD stream = kFirst) {
         return m_reader->ReadSample(stream, 0, nullptr, nullptr, nullptr, nullptr);

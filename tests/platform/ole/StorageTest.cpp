@@ -290,7 +290,7 @@ TEST_F(Storage, HostileHeadersAreRefused) {
     }
     const std::uint32_t directory = NumberAt(whole, 48);
     const std::uint32_t table = NumberAt(whole, 76);
-    const std::size_t next = (table + 1ULL) * 512 + directory % 128 * 4;
+    const std::size_t next = (table + 1ULL) * 512 + directory % 128 * 4ULL;
     ASSERT_LT(directory, 128U * 109);
     if (directory < 128) {
         EXPECT_EQ(ResultOfOpening(folder.Write("circle", Patched(whole, next, directory))),
@@ -323,7 +323,7 @@ TEST_F(Storage, EntriesThatLinkInCirclesEnd) {
     for (std::uint32_t entry = 0; entry < 4; ++entry) {
         for (const std::size_t link : {68, 72, 76}) { // before, behind, below
             for (const std::uint32_t target : {0U, 1U, 2U, 3U, 4U, 1000U, 0xFFFFFFFEU}) {
-                const std::size_t place = directory + entry * EntryBytes + link;
+                const std::size_t place = directory + std::size_t{entry} * EntryBytes + link;
                 const std::string file = folder.Write("links", Patched(whole, place, target));
                 com::ComPtr<IStorage> storage;
                 if (FAILED(StgOpenStorage(win32::Utf8ToWide(file).c_str(), nullptr,
@@ -346,6 +346,7 @@ TEST_F(Storage, EntriesThatLinkInCirclesEnd) {
 TEST(StorageNames, ADirectoryInARowOfEntriesOpens) {
     const TemporaryFolder folder;
     std::vector<std::pair<std::string, std::string>> members;
+    members.reserve(1'500);
     for (int i = 0; i < 1'500; ++i) {
         members.emplace_back("member" + std::to_string(i), "x");
     }

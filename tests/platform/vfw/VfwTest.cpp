@@ -141,9 +141,10 @@ TEST(Vfw, DepthsAreConverted) {
 
 TEST(Vfw, BytesThatAreNoPictureFail) {
     const Codec codec(Code("MJPG"));
+    constexpr std::size_t bytes = std::size_t{64} * 48 * 4;
     const BITMAPINFOHEADER input = Format(64, 48, 24, Code("MJPG"));
-    EXPECT_EQ(codec.Decode(input, "", Format(64, 48, 32), 64 * 48 * 4), "failed");
-    EXPECT_EQ(codec.Decode(input, "no picture", Format(64, 48, 32), 64 * 48 * 4), "failed");
+    EXPECT_EQ(codec.Decode(input, "", Format(64, 48, 32), bytes), "failed");
+    EXPECT_EQ(codec.Decode(input, "no picture", Format(64, 48, 32), bytes), "failed");
 }
 
 // Run-length coding at 24 bits: a count and the pixel; 0 0 ends a row, 0 1 the picture.

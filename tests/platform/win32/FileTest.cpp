@@ -4,24 +4,21 @@
 #include <cstdint>
 #include <filesystem>
 #include <limits>
-#include <memory>
 #include <string>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "platform/win32/OwnedHandle.h"
 #include "platform/win32/Text.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
 
+using win32::OpenToRead;
+using win32::OwnedHandle;
+
 constexpr std::int64_t Farthest = std::numeric_limits<std::int64_t>::max();
-
-struct Closer {
-    void operator()(HANDLE handle) const { CloseHandle(handle); }
-};
-
-using OwnedHandle = std::unique_ptr<void, Closer>;
 
 HANDLE OpenRaw(const std::string& path) {
     return CreateFileW(win32::Utf8ToWide(path).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
@@ -29,8 +26,7 @@ HANDLE OpenRaw(const std::string& path) {
 }
 
 OwnedHandle Open(const std::string& path) {
-    const HANDLE handle = OpenRaw(path);
-    return OwnedHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
+    return OpenToRead(win32::Utf8ToWide(path).c_str());
 }
 
 std::string Read(const OwnedHandle& file, DWORD byteCount) {
@@ -99,6 +95,7 @@ TEST(File, OnlyRegularFilesOpen) {
     EXPECT_EQ(OpenRaw("/dev/null"), INVALID_HANDLE_VALUE);
     EXPECT_EQ(OpenRaw(folder / "absent"), INVALID_HANDLE_VALUE);
     EXPECT_EQ(OpenRaw(""), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(OpenToRead(L""), nullptr);
 }
 
 TEST(File, OnlyReadingAnExistingFileIsOffered) {

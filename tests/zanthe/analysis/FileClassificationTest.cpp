@@ -63,7 +63,7 @@ TEST(ClassifyFile, AnMp4GoesToMediaFoundationWithItsTracks) {
     EXPECT_EQ(file.tracks[1].volume, 1);
     EXPECT_TRUE(file.aacInMp4);
     EXPECT_EQ(file.orientation, (ClassifiedOrientation{{1, 0, 0, 1}, 64, 48, 0, true}));
-    EXPECT_EQ(file.contents, "mov,mp4,m4a,3gp,3g2,mj2");
+    EXPECT_EQ(file.contents, "MP4 or QuickTime");
     EXPECT_THAT(file.remarks, IsEmpty());
 }
 
@@ -264,6 +264,25 @@ TEST(ClassifyFile, StrayBytesBehindTheLastBoxAreTold) {
                          ", 2 bytes before the end of the file: no box begins there"));
 }
 
+TEST(ClassifyFile, BytesThatAreNoBoxAreNotTakenForACut) {
+    const TemporaryFolder folder;
+    const std::string movie = boxes::Movie(VideoTrack(boxes::Upright, Avc1));
+    const auto file = Written(folder, "a.mp4", movie + "junk\xA3\x9F#!");
+    EXPECT_EQ(file.mp4Problem, "");
+    EXPECT_THAT(file.remarks, ElementsAre("8 bytes behind the last box, from byte " +
+                                          std::to_string(movie.size()) + " on, are no box"));
+}
+
+TEST(ClassifyFile, BoxesWithoutEndAreNoDamage) {
+    const TemporaryFolder folder;
+    std::string many = boxes::Movie(VideoTrack(boxes::Upright, Avc1));
+    for (int i = 0; i < 1'100'000; ++i) {
+        many += boxes::Header("free", 8);
+    }
+    EXPECT_THAT(Written(folder, "a.mp4", many).remarks,
+                Contains(testing::EndsWith(": there are more of them than are read of one file")));
+}
+
 TEST(ClassifyFile, AFileThatIsCutShortIsTold) {
     const TemporaryFolder folder;
     const auto file = Written(folder, "a.mp4",
@@ -330,8 +349,22 @@ TEST(ClassifyFile, ANameThatItsContentsContradictIsTold) {
     EXPECT_THAT(Written(folder, "a.txt", "no picture").remarks, IsEmpty());
     const std::string movie = ReadWholeFile(MadeMedia("mp4-plain.mp4"));
     EXPECT_THAT(Written(folder, "noext", movie).remarks,
-                Contains("the name does not say that this is an MP4 or QuickTime file, and the "
-                         "library goes by the name"));
+                Contains("the library goes by the name, which sends this file to DirectShow: "
+                         "called .mp4 it would go to Media Foundation"));
+    EXPECT_THAT(Written(folder, "a.m4a", movie).remarks, IsEmpty());
+    EXPECT_THAT(Written(folder, "a.png", ReadWholeFile(MadeMedia("images/gray.png"))).remarks,
+                IsEmpty());
+}
+
+TEST(ClassifyFile, ATurnThatTheNameKeepsFromBeingHeededIsTold) {
+    const TemporaryFolder folder;
+    const std::string turned = ReadWholeFile(MadeMedia("mp4-rotate90.mp4"));
+    const std::string remark =
+        "a track of pictures has a turn, which is heeded in files called .mp4 or .mov alone";
+    EXPECT_THAT(Written(folder, "a.m4a", turned).remarks, Contains(remark));
+    EXPECT_THAT(Written(folder, "a.mov", turned).remarks, IsEmpty());
+    const std::string upright = ReadWholeFile(MadeMedia("mp4-plain.mp4"));
+    EXPECT_THAT(Written(folder, "b.m4a", upright).remarks, IsEmpty());
 }
 
 TEST(ClassifyFile, WhyAFileDoesNotCountAsAacIsTold) {
@@ -349,7 +382,12 @@ TEST(ClassifyFile, MembersThatAreNotThereAreTold) {
     const auto remarksOn = [&](const std::string& member) {
         return ClassifyFile(container + "!" + member).remarks;
     };
-    EXPECT_THAT(remarksOn("video4.mp4"), IsEmpty());
+    EXPECT_THAT(remarksOn("video3.mp4"), IsEmpty());
+    EXPECT_THAT(remarksOn("audio4.mp4"), IsEmpty());
+    EXPECT_THAT(remarksOn("video4.mp4"),
+                ElementsAre("track 4, counted from 0, is audio, not video"));
+    EXPECT_THAT(remarksOn("audio0.mp4"),
+                ElementsAre("track 0, counted from 0, is video, not audio"));
     const std::string missing = "the recording has no such track: it has 5, counted from 0";
     EXPECT_THAT(remarksOn("video5.mp4"), ElementsAre(missing));
     EXPECT_THAT(remarksOn("video23.mp4"),
@@ -372,6 +410,8 @@ TEST(ClassifyFile, TracksWithoutEndAreCutOff) {
     EXPECT_EQ(file.tracks.size(), 10'000U);
     EXPECT_NE(file.mp4Problem, "");
     EXPECT_LE(file.remarks.size(), 21U);
+    EXPECT_THAT(file.remarks,
+                Contains("there are more tracks than the 10000 that are read of one file"));
 }
 
 TEST(ClassifyFile, AMemberIsTakenFromItsPath) {

@@ -75,6 +75,10 @@ TEST(FileReader, ASeekBeyond63BitsThrows) {
     EXPECT_THROW(reader.Seek(std::uint64_t{1} << 63), MP4ParseException);
     EXPECT_THROW(reader.Seek(~std::uint64_t{0}), MP4ParseException);
     EXPECT_EQ(reader.GetPosition(), 0u);
+    constexpr std::uint64_t farthest = (std::uint64_t{1} << 63) - 1;
+    reader.Seek(farthest);
+    EXPECT_EQ(reader.GetPosition(), farthest);
+    EXPECT_THROW(Read(reader, 1), MP4ParseException);
 }
 
 TEST(FileReader, PositionsBeyond32BitsAreReached) {
@@ -97,8 +101,11 @@ TEST(FileReader, AFileWithoutAFileTypeFirstIsRefused) {
     EXPECT_THROW(reader.Open(Wide(folder.Write("a.mov", moov))), MP4ParseException);
     EXPECT_THROW(reader.Open(Wide(folder.Write("b.mov", boxes::Box("free", "") + SomeFile))),
                  MP4ParseException);
-    EXPECT_THROW(reader.Open(Wide(folder.Write("c.mov", boxes::Box("FTYP", "")))),
-                 MP4ParseException);
+    for (const char* type : {"FTYP", "ftyx", "xtyp", "styp"}) {
+        EXPECT_THROW(reader.Open(Wide(folder.Write("c.mov", boxes::Box(type, "")))),
+                     MP4ParseException)
+            << type;
+    }
 }
 
 TEST(FileReader, AFileShorterThanEightBytesIsRefused) {
@@ -136,8 +143,21 @@ TEST(FileReader, ASecondOpenReplacesTheFirst) {
     const TemporaryFolder folder;
     FileReader reader;
     reader.Open(Wide(folder.Write("a.mp4", SomeFile)));
-    reader.Open(Wide(folder.Write("b.mp4", SomeFile + "more")));
-    EXPECT_EQ(reader.GetSize(), 34u);
+    reader.Seek(21);
+    const std::string other = boxes::Box("ftyp", "qt  ") + "more";
+    reader.Open(Wide(folder.Write("b.mp4", other)));
+    EXPECT_EQ(reader.GetSize(), other.size());
+    EXPECT_EQ(reader.GetPosition(), 0u);
+    EXPECT_EQ(Read(reader, other.size()), other);
+}
+
+TEST(FileReader, AfterAnOpenThatFailsTheFirstFileIsStillThere) {
+    const TemporaryFolder folder;
+    FileReader reader;
+    reader.Open(Wide(folder.Write("a.mp4", SomeFile)));
+    reader.Seek(21);
+    EXPECT_THROW(reader.Open(Wide(folder / "absent.mp4")), MP4ParseException);
+    EXPECT_EQ(Read(reader, 3), "123");
 }
 
 TEST(FileReader, SeveralReadOneFile) {

@@ -42,6 +42,7 @@ public:
     std::vector<std::string> calls;
     std::vector<MP4BoxHeader> headers;
     std::vector<std::string> parents; // of each box, by type
+    std::vector<std::string> parentsAtEnd;
     std::function<void(const MP4BoxHeader&)> onBegin = [](const MP4BoxHeader&) {};
 
     IStreamReader& Reader() { return *m_reader; }
@@ -64,6 +65,7 @@ protected:
 
     void OnBoxEnd(const MP4BoxHeader& header) override {
         calls.push_back(GetIndent() + "end " + header.type);
+        parentsAtEnd.push_back(ParentBox().type);
     }
 
     void OnLeafBox(const MP4BoxHeader& header) override {
@@ -137,6 +139,7 @@ TEST(MP4Walk, ParentsBeginAtDepthThree) {
     Recorder recorder = Over(Box("moov", Box("trak", Box("mdia", Box("hdlr", "")))));
     recorder.Parse(L"");
     EXPECT_THAT(recorder.parents, ElementsAre("", "", "trak", "mdia"));
+    EXPECT_THAT(recorder.parentsAtEnd, ElementsAre("mdia", "trak", "", ""));
 }
 
 TEST(MP4Walk, ASizeOfZeroRunsToTheEndOfTheFile) {
@@ -208,9 +211,14 @@ TEST(MP4Walk, AHeaderCutShortThrows) {
     }
 }
 
-TEST(MP4Walk, ABoxThatEndsWhereItBeginsThrows) {
-    EXPECT_TRUE(Fails(Header("mdat", 1) + U64(0) + Zeros(100)));
-    EXPECT_TRUE(Fails(Box("moov", Header("free", 1) + U64(0) + Zeros(100))));
+TEST(MP4Walk, ABoxThatEndsWhereItBeginsThrowsAtOnce) {
+    const std::string still = Header("free", 1) + U64(0) + Zeros(100);
+    Recorder outside = Over(still);
+    EXPECT_THROW(outside.Parse(L""), MP4ParseException);
+    EXPECT_THAT(outside.Types(), ElementsAre());
+    Recorder inside = Over(Box("moov", still));
+    EXPECT_THROW(inside.Parse(L""), MP4ParseException);
+    EXPECT_THAT(inside.Types(), ElementsAre("moov"));
 }
 
 TEST(MP4Walk, ABoxWhoseEndWrapsRoundThrows) {
@@ -311,7 +319,7 @@ TEST(MP4Walk, PayloadsAreNotRead) {
 
 TEST(MP4Walk, AParserCanBeUsedAgainAfterAFailure) {
     const TemporaryFolder folder;
-    const std::string good = boxes::FileType() + Box("moov", "");
+    const std::string good = boxes::FileType() + Box("moov", Box("trak", ""));
     Recorder recorder(std::make_unique<FileReader>());
     EXPECT_THROW(recorder.Parse(win32::Utf8ToWide(folder.Write("a", good.substr(0, 24)))),
                  MP4ParseException);
@@ -319,9 +327,22 @@ TEST(MP4Walk, AParserCanBeUsedAgainAfterAFailure) {
                      win32::Utf8ToWide(folder.Write("b", boxes::FileType() + Header("moov", 99)))),
                  MP4ParseException);
     recorder.calls.clear();
+    recorder.parents.clear();
     recorder.Parse(win32::Utf8ToWide(folder.Write("c", good)));
-    EXPECT_THAT(recorder.calls, ElementsAre("  begin ftyp", "  leaf ftyp", "  end ftyp",
-                                            "  begin moov", "  end moov"));
+    EXPECT_THAT(recorder.calls,
+                ElementsAre("  begin ftyp", "  leaf ftyp", "  end ftyp", "  begin moov",
+                            "    begin trak", "    end trak", "  end moov"));
+    EXPECT_THAT(recorder.parents, ElementsAre("", "", "")); // nothing is open from before
+}
+
+TEST(MP4Walk, EachWalkMayReadAsManyHeaders) {
+    std::string bytes;
+    for (std::uint64_t i = 0; i < Recorder::AllowedHeaders(0); ++i) {
+        bytes += Box("free", "");
+    }
+    Recorder recorder = Over(bytes);
+    recorder.Parse(L"");
+    EXPECT_NO_THROW(recorder.Parse(L""));
 }
 
 TEST(MP4Walk, NumbersAreBigEndian) {
@@ -343,6 +364,7 @@ TEST(MP4Walk, BytesThatTheFileHasNotAreNotAllocated) {
         EXPECT_EQ(recorder.ReadBytes(8).size(), 8u);
         recorder.Reader().Seek(1000);
         EXPECT_THROW(recorder.ReadBytes(1), MP4ParseException);
+        EXPECT_THROW(recorder.ReadBytes(std::uint64_t{1} << 62), MP4ParseException);
     };
     recorder.Parse(L"");
 }

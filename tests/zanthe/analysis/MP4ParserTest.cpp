@@ -153,6 +153,38 @@ TEST(MP4Parser, WithoutATrackHeaderADescriptionMakesARecord) {
     EXPECT_EQ(Codec(tracks[0]), "mp4a");
 }
 
+TEST(MP4Parser, WhateverTheHandlerOrTheCountARecordIsMade) {
+    const std::string unknown = Box("mdia", boxes::HandlerBox("text"));
+    EXPECT_EQ(TracksIn(Movie(Box("trak", unknown))), std::vector<MP4TrackInfo>(1));
+    const std::string none = SampleDescriptionBox(0, "");
+    EXPECT_EQ(TracksIn(Movie(Box("trak", none))), std::vector<MP4TrackInfo>(1));
+}
+
+// The boxes are told by their type alone.
+TEST(MP4Parser, HeadersAndDescriptionsCountWhereverTheyStand) {
+    const std::string description = SampleDescriptionBox(1, VisualEntry("hvc1", 64, 48));
+    const std::vector<MP4TrackInfo> outside =
+        TracksIn(boxes::FileType() + VideoHeader() + description);
+    ASSERT_EQ(outside.size(), 1u);
+    EXPECT_EQ(outside[0].trackId, 7);
+    EXPECT_EQ(Codec(outside[0]), "hvc1");
+    EXPECT_EQ(TracksIn(Movie(Box("mdia", VideoHeader()) + VideoHeader())).size(), 2u);
+}
+
+// Only inside `mdia`, and never directly inside a top-level box, does a handler tell of a track.
+TEST(MP4Parser, AHandlerElsewhereSaysNothing) {
+    const std::string handler = boxes::HandlerBox("vide");
+    EXPECT_EQ(TracksIn(Movie(Box("trak", VideoHeader() + handler))).at(0).type, 2);
+    EXPECT_EQ(TracksIn(boxes::FileType() + VideoHeader() + Box("mdia", handler)).at(0).type, 2);
+    EXPECT_EQ(TracksIn(Movie(VideoHeader() + Box("mdia", handler))).at(0).type, 0);
+}
+
+// Nothing has consumed the payload then, so what stands in it is walked like any container's.
+TEST(MP4Parser, ADescriptionOfNoEntriesIsWalked) {
+    const std::string description = SampleDescriptionBox(0, VideoHeader());
+    EXPECT_EQ(TracksIn(Movie(Box("trak", description))).size(), 2u);
+}
+
 TEST(MP4Parser, ATextTrackKeepsTypeAndCodec) {
     // A track header in its place would be taken for a track, were the entry not passed over.
     const std::string text = SampleDescriptionBox(1, Box("text", VideoHeader()));
@@ -214,6 +246,15 @@ TEST(MP4Parser, FewerThanEightBytesAtTheEndOfAnEntryAreNoChild) {
         const std::string entry = VisualEntry("avc1", 64, 48, boxes::Zeros(rest));
         EXPECT_EQ(TrackOf(SampleDescriptionBox(1, entry)).codedHeight, 48) << rest;
     }
+}
+
+// A header without fields: those are then read from behind the entry.
+TEST(MP4Parser, EightBytesAtTheEndOfAnEntryAreAChild) {
+    const std::string entry = VisualEntry("avc1", 64, 48, boxes::Header("pasp", 8));
+    const MP4TrackInfo track =
+        TrackOf(SampleDescriptionBox(1, entry + boxes::U32(3) + boxes::U32(2)));
+    EXPECT_EQ(track.parWidth, 3);
+    EXPECT_EQ(track.parHeight, 2);
 }
 
 TEST(MP4Parser, AChildThatCannotMoveFails) {
@@ -292,6 +333,19 @@ TEST(MP4Parser, AHandlerReadsAsFarBehindItselfAsItsHeaderIsLong) {
     EXPECT_TRUE(Fails(fileWith(Box("hdlr", payload), "")));
     EXPECT_EQ(TracksIn(fileWith(boxes::WideBox("hdlr", payload), eight + eight)).at(0).type, 1);
     EXPECT_TRUE(Fails(fileWith(boxes::WideBox("hdlr", payload), eight)));
+}
+
+// The boxes around the handler end at its payload, which then passes for a box that runs to the end
+// of the file: so nothing but the handler decides how much must follow it.
+TEST(MP4Parser, AHandlerNeedsNeitherMoreNorLessBehindItself) {
+    const std::string payload = boxes::HandlerBox("soun").substr(8);
+    const std::string file = boxes::FileType() + boxes::Header("moov", 32) +
+                             boxes::Header("trak", 24) + boxes::Header("mdia", 16) +
+                             boxes::Header("hdlr", 8 + payload.size()) + payload;
+    for (std::size_t behind = 0; behind < 8; ++behind) {
+        EXPECT_TRUE(Fails(file + boxes::Zeros(behind))) << behind;
+    }
+    EXPECT_EQ(TracksIn(file + boxes::Zeros(8)).at(0).type, 1);
 }
 
 TEST(MP4Parser, TracksHaveAnEnd) {

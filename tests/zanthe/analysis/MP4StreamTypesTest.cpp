@@ -80,13 +80,13 @@ TEST(MP4StreamTypes, TracksHaveAnEnd) {
 }
 
 TEST(MP4StreamTypes, WithoutAHandlerTheTrackHeaderDoes) {
-    const std::string file = Movie(WithoutHandler(Header(64, 48, 0x100), "a   ") +
-                                   WithoutHandler(Header(64, 0, 0x100), "b   ") +
-                                   WithoutHandler(Header(0, 48, 0x100), "c   ") +
-                                   WithoutHandler(Header(64, 0, 0), "d   ") +
-                                   WithoutHandler(Header(0, 0, 0x0FF), "e   "));
+    const std::string file = Movie(
+        WithoutHandler(Header(64, 48, 0x100), "a   ") +
+        WithoutHandler(Header(64, 0, 0x100), "b   ") +
+        WithoutHandler(Header(0, 48, 0x100), "c   ") + WithoutHandler(Header(64, 0, 0), "d   ") +
+        WithoutHandler(Header(0, 0, 0x0FF), "e   ") + WithoutHandler(Header(0, 0, 0xFF00), "f   "));
     EXPECT_THAT(Of(file), ElementsAre(Pair(0, "a   "), Pair(1, "b   "), Pair(1, "c   "),
-                                      Pair(2, "d   "), Pair(2, "e   ")));
+                                      Pair(2, "d   "), Pair(2, "e   "), Pair(1, "f   ")));
 }
 
 // The fields of version 0 are looked for in version 1 too: what stands there are other fields. The
@@ -113,6 +113,16 @@ TEST(MP4StreamTypes, ATrackWithoutAnythingRepeatsTheTypeToo) {
     const std::string bare = Box("trak", "");
     EXPECT_THAT(Of(Movie(bare + Track(Header(0, 0, 0), "soun", Entry("mp4a")) + bare)),
                 ElementsAre(Pair(2, ""), Pair(1, "mp4a"), Pair(1, "mp4a")));
+}
+
+// The boxes are told by their type alone: what stands where no track is goes to the next one.
+TEST(MP4StreamTypes, HeadersAndDescriptionsCountWhereverTheyStand) {
+    const std::string bare = Box("trak", "");
+    EXPECT_THAT(Of(boxes::FileType() + Entry("avc1") + Header(64, 48, 0) + Box("moov", bare)),
+                ElementsAre(Pair(0, "avc1")));
+    EXPECT_THAT(Of(Movie(Entry("mp4a") + Box("trak", Box("mdia", Header(0, 0, 0x100))))),
+                ElementsAre(Pair(1, "mp4a")));
+    EXPECT_THAT(Of(boxes::FileType() + Box("trak", Entry("png "))), ElementsAre(Pair(2, "png ")));
 }
 
 TEST(MP4StreamTypes, TheFirstOfSeveralEntriesIsTheCodec) {

@@ -36,6 +36,14 @@ std::string AudioTrack() {
     return Track(TrackHeaderBox(header), "soun", NoDescription);
 }
 
+// It has a size too, and is no video for it.
+std::string TextTrack() {
+    TrackHeader header;
+    header.width = 100 << 16;
+    header.height = 20 << 16;
+    return Track(TrackHeaderBox(header), "text", NoDescription);
+}
+
 MediaOrientation Read(const std::string& path) {
     return ReadMediaOrientation(win32::Utf8ToWide(path));
 }
@@ -93,6 +101,11 @@ TEST(MediaOrientation, RotationIsExactAndInOrder) {
     EXPECT_EQ(rotation({0, -1, -1, 0}), 0); // mirrored
     EXPECT_EQ(rotation({0, -1 + 0x1p-16, 1, 0}), 0);
     EXPECT_EQ(rotation({-1, 0, 0, 1}), 0);
+    for (const MP4Matrix& scaled :
+         {MP4Matrix{0, -2, 1, 0}, MP4Matrix{0, -1, 2, 0}, MP4Matrix{-2, 0, 0, -1},
+          MP4Matrix{-1, 0, 0, -2}, MP4Matrix{0, 2, -1, 0}, MP4Matrix{0, 1, -2, 0}}) {
+        EXPECT_EQ(rotation(scaled), 0);
+    }
     EXPECT_EQ(rotation(IdentityMatrix), 0);
 }
 
@@ -144,6 +157,55 @@ TEST(MediaOrientation, Version1MovieHeadersAreReadFourBytesTooLate) {
               (MP4Matrix{1, 3, 2, 4}));
 }
 
+// Where the payload starts depends on how the box's size is written.
+TEST(MediaOrientation, HeadersWithA64BitSize) {
+    constexpr std::int32_t one = boxes::One;
+    const boxes::Elements scale{2 * one, 0, 0, 0, 3 * one, 0, 0, 0, boxes::LastOne};
+    for (const std::uint32_t version : {0u, 1u}) {
+        TrackHeader header;
+        header.version = version;
+        header.matrix = boxes::Clockwise90;
+        header.width = 640 << 16;
+        header.height = 480 << 16;
+        const std::string wide = boxes::WideBox("tkhd", TrackHeaderBox(header).substr(8));
+        const MediaOrientation track = Of(Movie(Track(wide, "vide", NoDescription)));
+        EXPECT_EQ(RotationFromOrientation(track), 90) << version;
+        EXPECT_EQ(track.width, 640) << version;
+        EXPECT_EQ(track.height, 480) << version;
+    }
+    const std::string wide = boxes::WideBox("mvhd", MovieHeaderBox(0, scale).substr(8));
+    EXPECT_EQ(Of(Movie(wide)).matrix, (MP4Matrix{2, 0, 0, 3}));
+}
+
+// Only the version decides where the fields are, whatever flags stand beside it.
+TEST(MediaOrientation, FlagsAreNoVersion) {
+    const auto flagged = [](std::string box, char version) {
+        box.replace(8, 4, std::string(1, version) + "\xFF\xFF\xFF");
+        return box;
+    };
+    TrackHeader header;
+    header.matrix = boxes::Clockwise90;
+    EXPECT_EQ(RotationFromOrientation(
+                  Of(Movie(Track(flagged(TrackHeaderBox(header), 0), "vide", NoDescription)))),
+              90);
+    EXPECT_EQ(RotationFromOrientation(Of(Movie(flagged(MovieHeaderBox(0, boxes::Clockwise90), 0)))),
+              90);
+    header.version = 1;
+    for (const char version : {'\x01', '\x02', '\x80', '\xFF'}) {
+        EXPECT_EQ(RotationFromOrientation(Of(Movie(
+                      Track(flagged(TrackHeaderBox(header), version), "vide", NoDescription)))),
+                  90);
+    }
+}
+
+TEST(MediaOrientation, MovieHeadersCountWhereverTheyStandAndTheLastWins) {
+    const std::string half = MovieHeaderBox(0, boxes::Clockwise180);
+    const std::string quarter = MovieHeaderBox(0, boxes::Clockwise90);
+    EXPECT_EQ(RotationFromOrientation(Of(boxes::FileType() + quarter)), 90);
+    EXPECT_EQ(RotationFromOrientation(Of(Movie(half + boxes::Box("trak", quarter)))), 90);
+    EXPECT_EQ(RotationFromOrientation(Of(Movie(quarter + half))), 180);
+}
+
 TEST(MediaOrientation, TheLastVideoTrackCounts) {
     TrackHeader small;
     small.width = 32 << 16;
@@ -151,7 +213,7 @@ TEST(MediaOrientation, TheLastVideoTrackCounts) {
     small.matrix = boxes::Clockwise180;
     const std::string last = Track(TrackHeaderBox(small), "vide", NoDescription);
     const MediaOrientation orientation =
-        Of(Movie(VideoTrack(boxes::Clockwise90) + last + AudioTrack()));
+        Of(Movie(VideoTrack(boxes::Clockwise90) + last + AudioTrack() + TextTrack()));
     EXPECT_EQ(orientation.width, 32);
     EXPECT_EQ(orientation.height, 24);
     EXPECT_EQ(RotationFromOrientation(orientation), 180);
@@ -164,6 +226,7 @@ TEST(MediaOrientation, WithoutVideoTheMoviesTransformStays) {
     EXPECT_EQ(orientation.width, 0);
     EXPECT_EQ(orientation.height, 0);
     ExpectDefault(Of(Movie(AudioTrack())));
+    ExpectDefault(Of(Movie(TextTrack())));
 }
 
 // Only inside `mdia`, and never directly inside a top-level box, does a handler tell of a track.

@@ -12,7 +12,6 @@
 namespace Zanthe {
 namespace {
 
-using testing::_;
 using testing::Return;
 using testing::StrictMock;
 
@@ -45,11 +44,12 @@ protected:
 };
 
 TEST_F(ChainReads, TimesAreTruncatedUnitsAt44100Hz) {
-    EXPECT_CALL(*m_chain, ReadAudioFloat(0, 0, 1, m_channels, _)).WillOnce(Return(1));
-    EXPECT_CALL(*m_chain, ReadAudioFloat(226, 0, 2, m_channels, _)).WillOnce(Return(2));
-    EXPECT_CALL(*m_chain, ReadAudioFloat(680, 0, 3, m_channels, _)).WillOnce(Return(3));
-    EXPECT_CALL(*m_chain, ReadAudioFloat(10'000'000, 0, 4, m_channels, _)).WillOnce(Return(4));
-    EXPECT_CALL(*m_chain, ReadAudioFloat(-226, 0, 5, m_channels, _)).WillOnce(Return(5));
+    EXPECT_CALL(*m_chain, ReadAudioFloat(0, 0, 1, m_channels, testing::_)).WillOnce(Return(1));
+    EXPECT_CALL(*m_chain, ReadAudioFloat(226, 0, 2, m_channels, testing::_)).WillOnce(Return(2));
+    EXPECT_CALL(*m_chain, ReadAudioFloat(680, 0, 3, m_channels, testing::_)).WillOnce(Return(3));
+    EXPECT_CALL(*m_chain, ReadAudioFloat(10'000'000, 0, 4, m_channels, testing::_))
+        .WillOnce(Return(4));
+    EXPECT_CALL(*m_chain, ReadAudioFloat(-226, 0, 5, m_channels, testing::_)).WillOnce(Return(5));
     EXPECT_EQ(Read(0, 1), 1U);
     EXPECT_EQ(Read(1, 2), 2U); // 226.757
     EXPECT_EQ(Read(3, 3), 3U); // 680.272
@@ -59,7 +59,7 @@ TEST_F(ChainReads, TimesAreTruncatedUnitsAt44100Hz) {
 
 TEST_F(ChainReads, TheChainCopesWithAnyNumberOfPlanes) {
     m_channels.pop_back();
-    EXPECT_CALL(*m_chain, ReadAudioFloat(0, 0, 1, m_channels, _)).WillOnce(Return(0));
+    EXPECT_CALL(*m_chain, ReadAudioFloat(0, 0, 1, m_channels, testing::_)).WillOnce(Return(0));
     EXPECT_EQ(Read(0, 1), 0U);
 }
 
@@ -81,7 +81,7 @@ TEST_F(ChainReads, TheCallersPlanesStayAsTheyAre) {
 // The product with ten million must fit.
 TEST_F(ChainReads, AFrameWithoutATimeGivesNothing) {
     constexpr std::int64_t last = std::numeric_limits<std::int64_t>::max() / 10'000'000;
-    EXPECT_CALL(*m_chain, ReadAudioFloat(last * 10'000'000 / 44100, 0, 1, m_channels, _))
+    EXPECT_CALL(*m_chain, ReadAudioFloat(last * 10'000'000 / 44100, 0, 1, m_channels, testing::_))
         .WillOnce(Return(0));
     EXPECT_EQ(Read(last, 1), 0U);
     EXPECT_EQ(Read(last + 1, 1), 0U);

@@ -263,7 +263,7 @@ TEST(AviIndex, TheKeyFrameBeforeIsFound) {
 TEST(AviIndex, ALongIndexIsReadOnceInLargePieces) {
     constexpr int frames = 1'000'000;
     std::string entries;
-    entries.reserve(16 * frames);
+    entries.reserve(std::size_t{16} * frames);
     for (int i = 0; i < frames; ++i) {
         entries += OldEntry(i % 1'000 == 0 ? 0x10 : 0, static_cast<std::uint32_t>(i), 100);
     }

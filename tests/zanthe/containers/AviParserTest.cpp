@@ -286,7 +286,7 @@ TEST(AviParser, MoreThanFiftyStreamsInTheMainHeaderThrow) {
 
 TEST(AviParser, WhatIsThrownIsAPlainException) {
     try {
-        Walked(Avi(Avi::MainHeader(51)));
+        const Walked walked(Avi(Avi::MainHeader(51)));
         FAIL();
     } catch (const std::exception& failure) {
         EXPECT_TRUE(typeid(failure) == typeid(std::exception));

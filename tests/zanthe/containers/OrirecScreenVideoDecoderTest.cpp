@@ -485,7 +485,7 @@ TEST_F(ScreenRecording, RowsOf24BitsAreRoundedTo4Pixels) {
 // The pixels of 16 bits: their number in the five bits of blue.
 LRESULT Count16(const ICDECOMPRESS& picture) {
     auto* to = static_cast<unsigned char*>(picture.lpOutput);
-    for (int i = 0; i < picture.lpbiOutput->biWidth * 2; ++i) {
+    for (std::ptrdiff_t i = 0; i < picture.lpbiOutput->biWidth * 2; ++i) {
         to[2 * i] = static_cast<unsigned char>(i);
         to[2 * i + 1] = 0x7C;
     }

@@ -160,7 +160,7 @@ TEST(PngMov, PartsOfAUnitAreCutOff) {
 
 TEST(PngMov, TheTimeIsLeftAlone) {
     const auto decoder = Open("rgba.mov");
-    std::vector<unsigned char> buffer(61 * 45 * 4);
+    std::vector<unsigned char> buffer(std::size_t{61} * 45 * 4);
     double actualTime = 7.5;
     EXPECT_TRUE(decoder->readFrame(MediaTime(1, 4), buffer.data(), actualTime));
     EXPECT_FALSE(decoder->readFrame(MediaTime(9), buffer.data(), actualTime));
@@ -217,7 +217,7 @@ TEST_F(DamagedSample, OfALargerPictureTheUpperLeftIsShown) {
     const auto decoder = OpenWith(Picture(70, 50));
     const auto picture = PictureAt(*decoder, MediaTime(0));
     ASSERT_TRUE(picture);
-    EXPECT_EQ(picture->bits, std::vector<std::uint8_t>(61 * 45 * 4, 0x40));
+    EXPECT_EQ(picture->bits, std::vector<std::uint8_t>(std::size_t{61} * 45 * 4, 0x40));
 }
 
 TEST_F(DamagedSample, AHugePictureIsRefusedBeforeItTakesMemory) {
@@ -232,7 +232,7 @@ TEST_F(DamagedSample, ACutPictureDoesNotGoOnInTheOneBefore) {
     const std::size_t size = bytes.find("stsz");
     ASSERT_NE(size, std::string::npos);
     // The size of the third sample: 4 bytes of flags, a common size, a count, and two sizes before.
-    const std::size_t third = size + 4 + 4 + 4 + 4 + 2 * 4;
+    const std::size_t third = size + 24;
     const auto byteAt = [&](std::size_t at) {
         return static_cast<unsigned int>(static_cast<unsigned char>(bytes[at]));
     };

@@ -67,6 +67,7 @@ class RecordedPixels : public testing::TestWithParam<int> {};
 TEST_P(RecordedPixels, EveryPictureIsExactInAnyOrder) {
     for (const Avi::IndexKind kind : {Avi::IndexKind::Old, Avi::IndexKind::OpenDml}) {
         std::vector<Avi::Frame> frames;
+        frames.reserve(24);
         for (int i = 0; i < 24; ++i) {
             frames.push_back({RawPicture(31, 17, GetParam(), i), true});
         }
@@ -108,7 +109,7 @@ TEST(RecordedRuns, PicturesBuildOnTheOnesBefore) {
     std::iota(order.begin(), order.end(), 0);
     for (int round = 0; round < 3; ++round) {
         for (const int i : order) {
-            std::vector<unsigned char> pixels(4 * 2 * 4);
+            std::vector<unsigned char> pixels(std::size_t{4} * 2 * 4);
             double actualTime = -1.0;
             ASSERT_TRUE(decoder->readFrame(MediaTime(2 * i + 1, 20), pixels.data(), actualTime));
             for (std::size_t x = 0; x < 4; ++x) {

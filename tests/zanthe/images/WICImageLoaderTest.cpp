@@ -73,18 +73,16 @@ TEST(WICImageLoader, DecodingSmallerShowsTheSamePicture) {
     EXPECT_EQ(small.height, 33);
     // The left third is one flat colour in each: compare well within it.
     EXPECT_EQ(PixelText(straight, 20, 5).substr(6), "FF");
-    BgraPicture averaged{1000, 33, std::vector<std::uint8_t>(1000 * 33 * 4)};
-    for (int y = 0; y < 33; ++y) {
-        for (int x = 0; x < 1000; ++x) {
-            for (int band = 0; band < 4; ++band) {
+    BgraPicture averaged{1000, 33, std::vector<std::uint8_t>(std::size_t{4} * 1000 * 33)};
+    for (std::size_t y = 0; y < 33; ++y) {
+        for (std::size_t x = 0; x < 1000; ++x) {
+            for (std::size_t band = 0; band < 4; ++band) {
                 int sum = 0;
-                for (int i = 0; i < 81; ++i) {
-                    const int row = std::min(299, y * 300 / 33 + i / 9);
-                    sum += straight.bits[static_cast<std::size_t>((row * 9000 + x * 9 + i % 9) * 4 +
-                                                                  band)];
+                for (std::size_t i = 0; i < 81; ++i) {
+                    const std::size_t row = std::min<std::size_t>(299, y * 300 / 33 + i / 9);
+                    sum += straight.bits[(row * 9000 + x * 9 + i % 9) * 4 + band];
                 }
-                averaged.bits[static_cast<std::size_t>((y * 1000 + x) * 4 + band)] =
-                    static_cast<std::uint8_t>(sum / 81);
+                averaged.bits[(y * 1000 + x) * 4 + band] = static_cast<std::uint8_t>(sum / 81);
             }
         }
     }
@@ -460,7 +458,7 @@ TEST(WICImageLoader, AJpegThatWasCutOffShowsItsTop) {
     const BgraPicture whole = Loaded(Image("upright.jpg"));
     const BgraPicture cut = Loaded(folder.Write("cut.jpg", jpeg.substr(0, jpeg.size() / 2)));
     ASSERT_EQ(cut.height, whole.height);
-    const std::ptrdiff_t top = 40 * 100 * 4;
+    const std::ptrdiff_t top = std::ptrdiff_t{4} * 40 * 100;
     EXPECT_TRUE(std::equal(cut.bits.begin(), cut.bits.begin() + top, whole.bits.begin()));
     EXPECT_NE(cut.bits, whole.bits);
 }

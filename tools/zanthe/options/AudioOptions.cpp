@@ -34,7 +34,7 @@ void Declare(CLI::App& command, AudioRequest& request) {
         ->type_name("N")
         ->transform(WholeNumber(0, std::numeric_limits<int>::max()));
     AddRecontainer(command, request.recontainer);
-    command.add_flag("--float", request.isFloat, "Write 32 bit floats (default: 16 bit integers)");
+    AddFlag(command, "--float", request.isFloat, "Write 32 bit floats (default: 16 bit integers)");
     command
         .add_option("-o,--output", request.output,
                     "The WAV file to write; one that is there is replaced at the end; - is "

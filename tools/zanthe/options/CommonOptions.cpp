@@ -19,6 +19,10 @@ WholeNumber::WholeNumber(std::uint64_t low, std::uint64_t high) {
     };
 }
 
+void AddFlag(CLI::App& command, const std::string& name, bool& flag, const std::string& text) {
+    command.add_flag(name, flag, text)->disable_flag_override();
+}
+
 void AddFile(CLI::App& command, std::string& file, const std::string& text) {
     command.add_option("FILE", file, text)->required()->type_name("");
 }
@@ -33,7 +37,7 @@ void AddPngOutput(CLI::App& command, std::string& path) {
 }
 
 void AddJson(CLI::App& command, bool& json) {
-    command.add_flag("--json", json, "Print one JSON object instead of text");
+    AddFlag(command, "--json", json, "Print one JSON object instead of text");
 }
 
 void AddRate(CLI::App& command, int& rate) {
@@ -47,9 +51,9 @@ void AddRate(CLI::App& command, int& rate) {
 }
 
 void AddRecontainer(CLI::App& command, bool& recontainer) {
-    command.add_flag("--recontainer", recontainer,
-                     "Read AAC in an MP4 file by way of a temporary copy of its sound track; other "
-                     "files are read as they are");
+    AddFlag(command, "--recontainer", recontainer,
+            "Read AAC in an MP4 file by way of a temporary copy of its sound track; other "
+            "files are read as they are");
 }
 
 void AddStreamAndFormat(CLI::App& command, VideoChoice& choice) {

@@ -19,6 +19,8 @@ public:
 
 inline constexpr std::uint64_t MaxReads = 1'000'000'000;
 
+// A flag is given or not: "--json=false" is wrong usage, not the flag taken back.
+void AddFlag(CLI::App& command, const std::string& name, bool& flag, const std::string& text);
 void AddFile(CLI::App& command, std::string& file, const std::string& text);
 void AddPngOutput(CLI::App& command, std::string& path);
 void AddJson(CLI::App& command, bool& json);

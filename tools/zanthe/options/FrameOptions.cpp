@@ -59,9 +59,9 @@ void Declare(CLI::App& command, FrameRequest& request) {
                      "the top without padding; numbered as above")
         ->type_name("OUT.bgra");
     output->require_option(1);
-    command.add_flag("--as-stored", request.asStored,
-                     "Leave the picture as it is stored (default: turned upright, and stretched "
-                     "where pixels are not square)");
+    AddFlag(command, "--as-stored", request.asStored,
+            "Leave the picture as it is stored (default: turned upright, and stretched "
+            "where pixels are not square)");
     AddJson(command, request.json);
 }
 

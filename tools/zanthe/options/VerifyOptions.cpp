@@ -7,10 +7,10 @@ namespace Program {
 
 void Declare(CLI::App& command, VerifyRequest& request) {
     AddFile(command, request.file, "The file to read");
-    command.add_flag("--audio", request.audio,
-                     "Verify the sound, which must be there (default: what the file has)");
-    command.add_flag("--video", request.video,
-                     "Verify the pictures, which must be there (default: what the file has)");
+    AddFlag(command, "--audio", request.audio,
+            "Verify the sound, which must be there (default: what the file has)");
+    AddFlag(command, "--video", request.video,
+            "Verify the pictures, which must be there (default: what the file has)");
     command
         .add_option("--seeks", request.seeks, "How many reads to make at random positions, of each")
         ->type_name("N")

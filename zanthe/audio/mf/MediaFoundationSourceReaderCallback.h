@@ -8,12 +8,11 @@
 #pragma once
 
 #include <atomic>
-#include <memory>
 #include <mutex>
 
 #include "platform/com/ComPtr.h"
 #include "platform/mf/SourceReaderCallback.h"
-#include "platform/win32/Handle.h"
+#include "platform/win32/OwnedHandle.h"
 
 namespace Zanthe {
 
@@ -56,16 +55,10 @@ public:
     void WaitForFlush();
 
 private:
-    struct Closer {
-        void operator()(HANDLE handle) const { CloseHandle(handle); }
-    };
-
-    using OwnedHandle = std::unique_ptr<void, Closer>;
-
     std::atomic<ULONG> m_references{1};
     SourceAnswer m_answer; // guarded by m_mutex
-    OwnedHandle m_readEvent;
-    OwnedHandle m_flushEvent;
+    win32::OwnedHandle m_readEvent;
+    win32::OwnedHandle m_flushEvent;
     std::mutex m_mutex;
 };
 

@@ -113,7 +113,7 @@ TEST_F(Win7, RoundedTimesNeitherSkipNorDoubleAFrame) {
         for (int i = 0; i < 30; ++i) {
             joined.Append(ReadSpan(reader, static_cast<std::int64_t>(joined.Frames()), 4321));
         }
-        EXPECT_TRUE(joined == Ramp(0, 30U * 4321)) << frames;
+        EXPECT_TRUE(joined == Ramp(0, std::size_t{30} * 4321)) << frames;
         EXPECT_TRUE(ReadSpan(reader, 150'000, 9000) == Ramp(150'000, 9000)) << frames;
     }
 }

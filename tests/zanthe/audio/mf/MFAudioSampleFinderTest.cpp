@@ -220,7 +220,8 @@ TEST_F(Finder, APartOfAFrameIsNotCounted) {
     ASSERT_TRUE(finder.GetCurrentSample(sample.Put()));
     LONGLONG duration = 0;
     sample->GetSampleDuration(&duration);
-    EXPECT_EQ(duration, std::llround(kFrames * 8 / 7 / 48000.0 * 1e7)); // 38400 bytes by 7
+    EXPECT_EQ(duration,
+              std::llround(static_cast<double>(kFrames * 8 / 7) / 48000 * 1e7)); // 38400 bytes by 7
 }
 
 TEST_F(Finder, ANativeFormatThatTellsNothingIsRefused) {

@@ -131,9 +131,8 @@ public:
         m_process = fork();
         if (m_process == 0) {
             const RecontainerFile file(folder);
-            const bool told = write(ready[1], "x", 1) == 1;
-            while (told) {
-                pause();
+            if (write(ready[1], "x", 1) == 1) {
+                pause(); // until it is killed
             }
             _exit(1);
         }

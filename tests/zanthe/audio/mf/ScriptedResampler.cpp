@@ -107,7 +107,7 @@ private:
 
 } // namespace
 
-ScriptedResampling::ScriptedResampling(std::shared_ptr<ResamplerScript> script)
+ScriptedResampling::ScriptedResampling(const std::shared_ptr<ResamplerScript>& script)
     : m_before(com::RegisterClass(CLSID_CResamplerMediaObject, [script](REFIID iid, void** object) {
         if (FAILED(script->createResult)) {
             return script->createResult;

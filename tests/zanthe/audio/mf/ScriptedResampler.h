@@ -35,7 +35,7 @@ struct ResamplerScript {
 // As long as it lives, the system's resampler is a scripted one.
 class ScriptedResampling {
 public:
-    explicit ScriptedResampling(std::shared_ptr<ResamplerScript> script);
+    explicit ScriptedResampling(const std::shared_ptr<ResamplerScript>& script);
     ScriptedResampling(const ScriptedResampling&) = delete;
     ScriptedResampling& operator=(const ScriptedResampling&) = delete;
     ~ScriptedResampling();

@@ -190,7 +190,8 @@ private:
         BYTE* bytes = nullptr;
         buffer->Lock(&bytes, nullptr, nullptr);
         for (std::int64_t i = 0; i < 2 * sample.frames && valueBytes == 4; ++i) {
-            const auto frame = static_cast<float>(sample.firstFrame + i / 2);
+            const std::int64_t number = sample.firstFrame + i / 2;
+            const auto frame = static_cast<float>(number);
             const float value = i % 2 == 0 ? frame : -frame;
             std::memcpy(bytes + i * 4, &value, 4);
         }
@@ -277,7 +278,7 @@ com::ComPtr<IMFMediaSource> MakeScriptedSource() {
     return source;
 }
 
-ScriptedSoundOpening::ScriptedSoundOpening(Script script)
+ScriptedSoundOpening::ScriptedSoundOpening(const Script& script)
     : m_fromUrl(mf::SetSourceReaderFactory(
           [script](LPCWSTR url, IMFAttributes* attributes, IMFSourceReader** reader) {
               script->url = url;

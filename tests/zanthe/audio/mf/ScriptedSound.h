@@ -78,7 +78,7 @@ com::ComPtr<IMFMediaSource> MakeScriptedSource();
 // As long as it lives, every source reader that is opened is a scripted one.
 class ScriptedSoundOpening {
 public:
-    explicit ScriptedSoundOpening(Script script);
+    explicit ScriptedSoundOpening(const Script& script);
     ScriptedSoundOpening(const ScriptedSoundOpening&) = delete;
     ScriptedSoundOpening& operator=(const ScriptedSoundOpening&) = delete;
     ~ScriptedSoundOpening();

@@ -49,7 +49,8 @@ double DifferenceAt(const std::vector<float>& a, const std::vector<float>& b, st
                     std::size_t count, int lag) {
     double sum = 0;
     for (std::size_t i = from; i < from + count; ++i) {
-        sum += std::abs(a[i] - b[static_cast<std::size_t>(static_cast<int>(i) + lag)]);
+        const std::int64_t moved = static_cast<std::int64_t>(i) + lag;
+        sum += std::abs(a[i] - b[static_cast<std::size_t>(moved)]);
     }
     return sum;
 }
@@ -212,7 +213,7 @@ TEST(OlderSystemFiles, TheirReadersGoThroughTheResampler) {
     for (int i = 0; i < 20; ++i) {
         joined.Append(ReadSpan(reader, static_cast<std::int64_t>(joined.Frames()), 4321));
     }
-    EXPECT_TRUE(joined == whole.Slice(0, 20U * 4321));
+    EXPECT_TRUE(joined == whole.Slice(0, std::size_t{20} * 4321));
     EXPECT_TRUE(ReadSpan(reader, 300'000, 5000) == whole.Slice(300'000, 5000));
     EXPECT_TRUE(ReadSpan(reader, 100'000, 5000) == whole.Slice(100'000, 5000));
 }
