@@ -48,12 +48,10 @@ TEST(ProgramClassify, TellsEveryAnswerInColumns) {
           "\n  detection       Media Foundation  DirectShow\n",
           "\naudio route       Media Foundation\n", "\nMP4               yes\n",
           "\n  track 1         video avc1 \"H.264 ( QuickTime )\", display size 64x48, coded "
-          "64x48, "
-          "pixel aspect 1:1, matrix [0 -1; 1 0]\n",
-          "\ninside            video h264, 64x48, 10 pictures a second\n"
-          "inside            audio aac, 8000 Hz, 1 channel\n"
-          "duration          0:00:00.400\n",
-          "\nstreams           video avc1, audio mp4a\n",
+          "64x48, pixel aspect 1:1, matrix [0 -1; 1 0]\n",
+          "\ninside            video h264, 64x48, 10 pictures a second\n",
+          "\ninside            audio aac, 8000 Hz, 1 channel\n",
+          "\nduration          0:00:00.400\n", "\nstreams           video avc1, audio mp4a\n",
           "\norientation       [0 -1; 1 0], turn by 90 degrees clockwise, display size 48x64\n"}) {
         EXPECT_THAT(text, HasSubstr(line));
     }

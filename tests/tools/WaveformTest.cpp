@@ -91,7 +91,9 @@ TEST(DrawWaveform, FullScaleFillsTheHeightAndSilenceIsALine) {
     Canvas canvas({4, 10}, {0, 0, 0});
     DrawWaveform(canvas, {1, 0, 2, 10}, {{-1, 1}, {0, 0}, {-1, 1}}, {1, 1, 1});
     const auto drawn = canvas.ToBitmap();
-    const auto blueAt = [&](int x, int y) { return drawn->GetBits()[(y * 4 + x) * 4]; };
+    const auto blueAt = [&](std::ptrdiff_t x, std::ptrdiff_t y) {
+        return drawn->GetBits()[(y * 4 + x) * 4];
+    };
     for (int y = 0; y < 10; ++y) {
         EXPECT_EQ(blueAt(0, y), 0);
         EXPECT_EQ(blueAt(1, y), 255) << y;

@@ -27,8 +27,8 @@ void AppendFrame(Frames& frames, const av::SoundPiece& piece, int count) {
     const auto size = static_cast<std::size_t>(av_get_bytes_per_sample(sample));
     const auto channels = static_cast<std::size_t>(frame.ch_layout.nb_channels);
     const bool planar = av_sample_fmt_is_planar(sample) != 0;
-    for (auto i = static_cast<std::size_t>(piece.offset);
-         i < static_cast<std::size_t>(piece.offset + count); ++i) {
+    const auto offset = static_cast<std::size_t>(piece.offset);
+    for (std::size_t i = offset; i < offset + static_cast<std::size_t>(count); ++i) {
         for (std::size_t channel = 0; channel < channels; ++channel) {
             const std::uint8_t* from =
                 planar ? frame.extended_data[channel] + i * size

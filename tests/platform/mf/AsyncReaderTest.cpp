@@ -240,7 +240,7 @@ protected:
     HeldAsyncReader()
         : AsyncReader([this] { m_gate.Pass(); }) {}
 
-    ~HeldAsyncReader() override {
+    void TearDown() override {
         m_gate.Open();
         m_reader.Reset();
     }
@@ -331,7 +331,8 @@ TEST(AsyncReaderInItsCallback, ReadsOnMovesAndEnds) {
 TEST(AsyncReaders, OfManyThreadsDoNotDisturbEachOther) {
     const SoundRun whole = ReadSound(*OpenSound("aac-stereo.m4a", SoundType(MFAudioFormat_Float)));
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
+    threads.reserve(4);
+    for (LONGLONG i = 0; i < 4; ++i) {
         threads.emplace_back([&, i] {
             const auto callback = com::MakeOwned<RecordingCallback>();
             const auto reader = OpenAsync(MadeMedia("sound-exact/aac-stereo.m4a"), *callback);

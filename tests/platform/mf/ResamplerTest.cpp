@@ -66,7 +66,7 @@ protected:
             0, SampleOf(sound.data() + 2 * from, frames * 2 * sizeof(float)).Get(), 0);
     }
 
-    HRESULT Take(com::ComPtr<IMFSample> sample) {
+    HRESULT Take(const com::ComPtr<IMFSample>& sample) {
         MFT_OUTPUT_DATA_BUFFER buffer{0, sample.Get(), 7, nullptr};
         DWORD status = 7;
         const HRESULT result = m_resampler->ProcessOutput(0, 1, &buffer, &status);
@@ -171,11 +171,11 @@ TEST_F(Resampler, TimesFollowTheFirstInput) {
     const auto sample = SampleOf(sound.data(), sound.size() * sizeof(float));
     sample->SetSampleTime(5'000'000);
     ASSERT_EQ(m_resampler->ProcessInput(0, sample.Get(), 0), S_OK);
-    const auto first = Room(441 * 8);
+    const auto first = Room(std::size_t{441} * 8);
     ASSERT_EQ(Take(first), S_OK);
     EXPECT_EQ(TimeOf(*first), 5'000'000);
     EXPECT_EQ(DurationOf(*first), 100'000);
-    const auto second = Room(882 * 8);
+    const auto second = Room(std::size_t{882} * 8);
     ASSERT_EQ(Take(second), S_OK);
     EXPECT_EQ(TimeOf(*second), 5'100'000);
     EXPECT_EQ(DurationOf(*second), 200'000);

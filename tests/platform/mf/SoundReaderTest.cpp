@@ -59,7 +59,7 @@ TEST(SoundReader, GivesTheProgramsFloats) {
         auto expected =
             DecodeWithProgram(MadeMedia(std::string("sound-exact/") + name), AV_SAMPLE_FMT_FLT);
         ASSERT_LE(run.bytes.size(), expected.bytes.size()) << name;
-        EXPECT_GT(run.bytes.size(), expected.bytes.size() - 1024 * 8) << name;
+        EXPECT_GT(run.bytes.size(), expected.bytes.size() - 8192) << name;
         expected.bytes.resize(run.bytes.size());
         EXPECT_TRUE(run.bytes == expected.bytes) << name;
     }

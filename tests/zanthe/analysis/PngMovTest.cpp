@@ -1,6 +1,8 @@
 #include "zanthe/analysis/PngMov.h"
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -73,6 +75,19 @@ TEST(IsMovWithPngVideo, AMemberIsNoFile) {
 TEST(IsMovWithPngVideo, AFileNamedAsAMemberIsReadItself) {
     const TemporaryFolder folder;
     EXPECT_TRUE(IsPngMov(folder.Write("a.mov!video0.mp4", PngMovBytes())));
+}
+
+// Whoever has listed the streams already is asked for nothing but the name and the file.
+TEST(IsMovWithPngVideo, GivenItsStreamsTheFileMustStillBeThere) {
+    const TemporaryFolder folder;
+    const std::vector<MP4StreamType> streams{{MP4TrackType::Audio, "mp4a"},
+                                             {MP4TrackType::Video, "png "}};
+    const std::wstring there = win32::Utf8ToWide(folder.Write("a.MOV", "anything"));
+    EXPECT_TRUE(IsMovWithPngVideo(there, streams));
+    EXPECT_FALSE(IsMovWithPngVideo(there, {}));
+    EXPECT_FALSE(IsMovWithPngVideo(win32::Utf8ToWide(folder / "absent.mov"), streams));
+    EXPECT_FALSE(IsMovWithPngVideo(win32::Utf8ToWide(folder.Write("a.mp4", "anything")), streams));
+    EXPECT_FALSE(IsMovWithPngVideo(there, {{MP4TrackType::Audio, "png "}}));
 }
 
 TEST(IsMovWithPngVideo, ReadsRealFiles) {
