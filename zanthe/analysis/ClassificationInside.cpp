@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 #include <system_error>
 
 #include "platform/av/FileFacts.h"
@@ -64,15 +65,24 @@ const av::FileStream* FirstOf(const av::FileFacts& facts, av::TrackKind kind) {
     return found == facts.streams.end() ? nullptr : &*found;
 }
 
+bool IsEncrypted(const FileClassification& file, std::string_view kind, std::string_view code) {
+    const auto first = std::find_if(file.tracks.begin(), file.tracks.end(),
+                                    [&](const auto& track) { return track.kind == kind; });
+    return first != file.tracks.end() && first->codec == code;
+}
+
 // A recording's and Media Foundation's readers take what their own part of the engine finds; it is
 // in the codec that they differ.
-std::string VideoObstacle(const av::FileFacts& facts, const std::string& backend) {
+std::string VideoObstacle(const FileClassification& file, const av::FileFacts& facts) {
     const av::FileStream* stream = FirstOf(facts, av::TrackKind::Video);
     if (stream == nullptr) {
         return "the file has no pictures";
     }
+    if (IsEncrypted(file, "video", "encv")) {
+        return "its video is encrypted";
+    }
     GUID subtype{};
-    if (backend == "Media Foundation" &&
+    if (file.videoRoute.backend == "Media Foundation" &&
         !IsSupportedVideo(mf::NativeTypeOf(*stream, facts.container).Get(), &subtype)) {
         return std::string("its video is ") + av::CodecName(stream->video.codec) +
                ", neither H.264, HEVC nor MPEG-4 part 2";
@@ -82,10 +92,13 @@ std::string VideoObstacle(const av::FileFacts& facts, const std::string& backend
                : std::string("nothing decodes its video, ") + av::CodecName(stream->video.codec);
 }
 
-std::string SoundObstacle(const av::FileFacts& facts) {
+std::string SoundObstacle(const FileClassification& file, const av::FileFacts& facts) {
     const av::FileStream* stream = FirstOf(facts, av::TrackKind::Audio);
     if (stream == nullptr) {
         return "the file has no sound";
+    }
+    if (IsEncrypted(file, "audio", "enca")) {
+        return "its sound is encrypted";
     }
     return av::HasDecoder(stream->codec)
                ? ""
@@ -114,13 +127,12 @@ void FindObstacles(const std::optional<av::FileFacts>& facts, FileClassification
     const bool isThere =
         std::filesystem::is_regular_file(win32::ExistingPath(file.parsed.container), unknown);
     if (isThere && ReadsStreams(file.audioRoute.backend)) {
-        file.audioRoute.obstacle = facts ? SoundObstacle(*facts) : Unreadable;
+        file.audioRoute.obstacle = facts ? SoundObstacle(file, *facts) : Unreadable;
     }
     if (!ReadsStreams(file.videoRoute.backend)) {
         file.videoRoute.obstacle = ObstacleOfOwnDecoder(file);
     } else if (isThere) {
-        file.videoRoute.obstacle =
-            facts ? VideoObstacle(*facts, file.videoRoute.backend) : Unreadable;
+        file.videoRoute.obstacle = facts ? VideoObstacle(file, *facts) : Unreadable;
     }
 }
 

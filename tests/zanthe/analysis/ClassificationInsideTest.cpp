@@ -75,6 +75,18 @@ TEST(ClassifyInside, WhatABackendCannotServeIsAnObstacle) {
     EXPECT_EQ(Made("rec-sounds.brec").audioRoute.obstacle, "");
 }
 
+TEST(ClassifyInside, NothingDecodesWhatIsEncrypted) {
+    const TemporaryFolder folder;
+    std::string bytes = ReadWholeFile(MadeMedia("mp4-plain.mp4"));
+    bytes.replace(bytes.rfind("avc1"), 4, "encv");
+    EXPECT_EQ(ClassifyFile(folder.Write("a.mp4", bytes)).videoRoute.obstacle,
+              "its video is encrypted");
+    EXPECT_EQ(ClassifyFile(folder.Write("a.mp4", bytes)).audioRoute.obstacle, "");
+    bytes.replace(bytes.rfind("mp4a"), 4, "enca");
+    EXPECT_EQ(ClassifyFile(folder.Write("b.mp4", bytes)).audioRoute.obstacle,
+              "its sound is encrypted");
+}
+
 // Its boxes say what it is, and nothing behind them what is in it.
 TEST(ClassifyInside, AFilmWithoutItsHeadersCannotBeRead) {
     const TemporaryFolder folder;
