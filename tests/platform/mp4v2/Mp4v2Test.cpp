@@ -139,6 +139,14 @@ TEST(Mp4v2, ATrackOfTwoCodingsHasNoName) {
     EXPECT_EQ(MP4GetTrackMediaDataName(file.get(), 1), nullptr);
 }
 
+// An edit list that leaves out the encoder's delay moves no sample.
+TEST(Mp4v2, TimesAreThoseOfTheMedia) {
+    const File file(MP4Read(MadeMedia("sound-exact/aac-stereo.m4a").c_str()));
+    for (MP4SampleId sample = 1; sample <= 4; ++sample) {
+        EXPECT_EQ(MP4GetSampleTime(file.get(), 1, sample), 1024U * (sample - 1));
+    }
+}
+
 TEST(Mp4v2, ASampleIsFoundByItsTime) {
     // Picture n begins at n (n + 1) / 20 seconds.
     const File file = OpenRecording("uneven.mov");
