@@ -194,7 +194,8 @@ TEST(ProgramAudio, RefusesAKindOfFileThatHasNoReader) {
     for (const char* name : {"clip.mp4", "clip.WAV"}) {
         const std::string in = folder.Write(name, "x");
         ExpectRefused({in}, in + ": no reader for its sound: "
-                                 "Failed to create MediaFoundation resource");
+                                 "Failed to create MediaFoundation resource; what is in the file "
+                                 "cannot be read");
     }
 }
 
